@@ -1,0 +1,54 @@
+// The virtual device: a directory that stands for "/" of a phone, with the stand-in vendor
+// libraries, named pipes as kernel nodes, and files that show what was asked of the hardware. Tools
+// and tests; one thread a device.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// Files of a device root, below it.
+inline constexpr char device_calls_log[] = "/calls.log";        // what the libraries were asked
+inline constexpr char device_messages_log[] = "/messages.log";  // what dvxctl sent
+inline constexpr char device_daemon_log[] = "/dvxd.log";        // standard error of the daemon
+inline constexpr char device_daemon_pid[] = "/dvxd.pid";
+inline constexpr char device_conf[] = "/hardware.conf";  // what the libraries answer
+inline constexpr char device_panel_node[] = "/sys/class/power/sben/sben_event";
+inline constexpr char device_interval_node[] = "/sys/class/power/fbcn/fbcn_intv";
+
+// The image of the device that belongs to this program: ../device beside its directory.
+std::string device_image_path(void);
+
+// Lays out a fresh device below `root`, whose earlier device it replaces. An empty text, or what
+// went wrong; a directory that holds something else is left alone.
+std::string device_create(const std::string &root, const std::string &image);
+
+// Makes one symbol of a device's library unfindable. False when the library has none of that name.
+bool device_hide_symbol(const std::string &library, const std::string &symbol);
+
+// Opens a node of the device for writing reports, each kept apart from the next. A descriptor, or a
+// negative errno value; -ENXIO when no daemon reads it.
+int device_open_node(const std::string &root, const char *node);
+
+// Reports the panel's power. 0 or a negative errno value.
+int device_report_panel(const std::string &root, bool on);
+
+// Reports one frame interval in microseconds; waits while the daemon is behind. 0 or a negative
+// errno value.
+int device_report_interval(int node_fd, int64_t interval_us);
+
+// Starts `dvxd` on the device, its log going to the device's file. Its process id, or a negative
+// errno value. `wait_until_started` answers once the daemon serves.
+int device_start_daemon(const std::string &root, const std::string &daemon);
+
+enum device_start_result { device_started, device_start_failed, device_start_timeout };
+device_start_result device_wait_until_started(const std::string &root, int pid, int timeout_ms);
+
+// The process id of the device's daemon, or 0 when none runs.
+int device_daemon_process(const std::string &root);
+
+// The path of a program of this project that stands beside this one.
+std::string sibling_program(const std::string &name);
+
+// The lines of a text file of the device from `*offset` on, which moves behind the last whole line.
+std::vector<std::string> device_read_lines(const std::string &path, int64_t *offset);

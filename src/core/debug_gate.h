@@ -1,0 +1,30 @@
+// The gate of the detailed log lines. It stands below everything that logs; debug_mode reads the
+// properties that set it. Any thread may ask; a byte that is just being written reads old or new,
+// which decides about one log line.
+#pragma once
+
+#include <cstdint>
+
+enum debug_group : uint32_t {
+    debug_events = 0,    // event manager, policy
+    debug_powerhal = 5,  // power-HAL handler
+    debug_features = 7,  // timers, thermal, profiles, activity trigger, frame interval analysis
+};
+
+// 1 when debug lines are on and the mask holds the bit of this number, else 0.
+int rtDebugMode(uint32_t bit);
+
+// Sets the gate: whether lines are wanted at all, and of which groups.
+void debug_gate_set(bool enable, uint8_t mask);
+
+// The gate of lines that are never written, and the debug target of the frame interval analysis,
+// which this configuration does not have: one trivial operation under three names.
+constexpr int32_t stDebugMode(uint32_t /*bit*/) {
+    return 0;
+}
+constexpr int32_t get_target(int32_t /*target_fps*/) {
+    return 0;
+}
+constexpr int32_t set_target(int32_t /*target_fps*/) {
+    return 0;
+}

@@ -1,0 +1,88 @@
+// Start-up: brings the subsystems up in one order, then sleeps for ever. All work happens on the
+// threads and in the callbacks that the steps have set up.
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include "context/running_app.h"
+#include "core/debug_mode.h"
+#include "core/event_manager.h"
+#include "core/log.h"
+#include "fia/clock_manager.h"
+#include "fia/lifecycle.h"
+#include "ipc/client_handlers.h"
+#include "ipc/client_server.h"
+#include "ipc/kernel_event_monitor.h"
+#include "resource/acceptor.h"
+#include "resource/fps_manager.h"
+#include "resource/ie_manager.h"
+#include "resource/policy.h"
+
+namespace {
+
+constexpr int highest_priority = -20;
+
+enum step_kind { core, optional };
+
+// A step answers a negative value on failure: `failure` is logged then, and a core step ends the
+// daemon. `on_success` is what hangs on the step; its failure ends the daemon too.
+struct start_step {
+    int (*operation)(void);
+    step_kind kind;
+    int priority;
+    const char *failure;
+    int (*on_success)(void);
+};
+
+int attach_fps_manager() {
+    return add_acceptor("fps", fps_manager_set_grant);
+}
+
+int attach_ie_manager() {
+    return add_acceptor("off_image_enhancer", ie_manager_set_grant);
+}
+
+int start_analyser() {
+    init_fia();  // without it there is no analysis, and that is all
+    return 0;
+}
+
+constexpr int error = ANDROID_LOG_ERROR;
+
+constexpr char no_monitor[] = "Failed to init kernel event monitor..\n";
+
+// In their order: a step may rely on those before it.
+constexpr start_step steps[] = {
+    {init_event_manager, core, error, "Failed to init event manager..\n", nullptr},
+    {start_fps_manager, optional, error, "Failed to init fps manager..\n", attach_fps_manager},
+    {start_ie_manager, optional, error, "Failed to init ie manager..\n", attach_ie_manager},
+    {init_fia_clock_manager, optional, error, "Failed to init fia clock manager..\n",
+     start_analyser},
+    {server_init, core, error, "Failed to init server..\n", nullptr},
+    {init_kevent_monitor, core, error, no_monitor, nullptr},
+    {init_fevent_monitor, core, error, no_monitor, nullptr},
+    {init_el, core, error, "Failed to init running app manager..\n", nullptr},
+    {start_policy_manager, core, error, "Failed to init policy manager...\n", nullptr},
+    {init_debug_mode, optional, error, nullptr, nullptr},
+};
+
+// Runs one step. False when the daemon cannot go on.
+bool run_step(const start_step &step) {
+    if (step.operation() >= 0)
+        return step.on_success == nullptr || step.on_success() >= 0;
+    if (step.failure != nullptr)
+        __android_log_print(step.priority, LOG_TAG, "%s", step.failure);
+    return step.kind == optional;
+}
+
+}  // namespace
+
+int main() {
+    setpriority(PRIO_PROCESS, static_cast<id_t>(getpid()), highest_priority);
+    for (const start_step &step : steps)
+        if (!run_step(step))
+            return -1;
+    log_error("Halvane Start Successfully.");
+    for (;;)
+        pause();
+}

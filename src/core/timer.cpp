@@ -1,0 +1,137 @@
+#include "core/timer.h"
+
+#include <errno.h>
+#include <inttypes.h>
+#include <pthread.h>
+#include <unistd.h>
+
+#include <new>
+
+#include "core/log.h"
+#include "platform/clock.h"
+#include "platform/thread.h"
+
+namespace {
+
+constexpr useconds_t armed_sleep_us = 100000;
+constexpr useconds_t idle_sleep_us = 500000;
+
+struct timer_entry {
+    int64_t start;  // ms of the monotonic clock, as `end`
+    int64_t end;
+    timer_callback callback;
+};
+
+// Guarded by `lock`, which the expiry actions run under.
+constinit struct {
+    pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
+    timer_entry *slots[timer_slot_count] = {};
+    int64_t last_check_ms = 0;
+    bool initialised = false;
+} timers;
+
+bool start_timer_thread() {
+    if (timers.initialised)
+        return true;
+    for (timer_entry *&entry : timers.slots)
+        entry = nullptr;
+    if (thread_start("timer", do_timer) != 0) {
+        log_error("Error initializing internal timer thread\n");
+        log_error("Failed to initialize internal timer");
+        return false;
+    }
+    timers.initialised = true;
+    return true;
+}
+
+int arm_empty_slot(uint32_t slot, int64_t now, int64_t end, timer_callback callback) {
+    timers.slots[slot] = new (std::nothrow) timer_entry{now, end, callback};
+    if (timers.slots[slot] == nullptr) {
+        log_error("Failed to allocate memeory");
+        return -ENOMEM;
+    }
+    return 0;
+}
+
+int extend_armed_slot(uint32_t slot, int64_t end, timer_callback callback) {
+    timer_entry *entry = timers.slots[slot];
+    if (entry->callback != callback) {
+        log_error("Incorrect callbacks ingore timer request");
+        return -EINVAL;
+    }
+    if (entry->end < end) {
+        entry->end = end;
+        log_debug(debug_features, "Timer %d Event End time updated", static_cast<int>(slot));
+    } else {
+        log_debug(debug_features, "Timer event ignored");
+    }
+    return 1;
+}
+
+void fire(uint32_t slot) {
+    timer_entry *entry = timers.slots[slot];
+    entry->callback();
+    delete entry;
+    timers.slots[slot] = nullptr;
+}
+
+}  // namespace
+
+int64_t get_current_monotonic_ms(void) {
+    return clock_monotonic_ns() / 1000000;
+}
+
+int add_timer_event(uint32_t slot, int64_t duration_ms, timer_callback callback) {
+    const int64_t now = get_current_monotonic_ms();
+    log_debug(debug_features, "Timer %d Requested for %" PRId64 " ms at %" PRId64 " ms",
+              static_cast<int>(slot), duration_ms, now);
+
+    pthread_mutex_lock(&timers.lock);
+    int result = -EINVAL;
+    if (start_timer_thread()) {
+        int64_t end;
+        if (__builtin_add_overflow(now, duration_ms, &end))
+            end = duration_ms > 0 ? INT64_MAX : INT64_MIN;
+        if (slot >= timer_slot_count)
+            log_error("Unknown timer request %d", static_cast<int>(slot));
+        else if (timers.slots[slot] == nullptr)
+            result = arm_empty_slot(slot, now, end, callback);
+        else
+            result = extend_armed_slot(slot, end, callback);
+    }
+    pthread_mutex_unlock(&timers.lock);
+    return result;
+}
+
+int check_expired_work(void) {
+    pthread_mutex_lock(&timers.lock);
+    const int64_t now = get_current_monotonic_ms();
+    const bool backwards = now < timers.last_check_ms;
+    if (backwards)
+        log_info("Overflow release all");
+
+    int armed = 0;
+    for (uint32_t slot = 0; slot < timer_slot_count; ++slot) {
+        const timer_entry *entry = timers.slots[slot];
+        if (entry == nullptr)
+            continue;
+        if (backwards) {
+            fire(slot);
+        } else if (entry->end <= now) {
+            log_debug(debug_features,
+                      "Timer for %d is exprired %" PRId64 "~%" PRId64 " for %" PRId64,
+                      static_cast<int>(slot), entry->start, entry->end, entry->end - entry->start);
+            fire(slot);
+        } else {
+            armed = 1;
+        }
+    }
+    timers.last_check_ms = now;
+    pthread_mutex_unlock(&timers.lock);
+    return armed;
+}
+
+void *do_timer(void *) {
+    for (;;)
+        usleep(check_expired_work() != 0 ? armed_sleep_us : idle_sleep_us);
+}

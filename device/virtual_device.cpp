@@ -30,6 +30,9 @@ constexpr char default_conf[] =
     "init_white_list = 1\n"
     "perf_lock_use_profile = 1\n";
 
+// A device to look at shows its events.
+constexpr char default_debug[] = "1\n";
+
 std::string read_file(const std::string &path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
@@ -90,6 +93,7 @@ std::string device_create(const std::string &root, const std::string &image) {
         !write_file(root + device_conf, default_conf) ||
         !write_file(root + "/properties/ro.vendor.extension_library",
                     "/vendor/lib64/libqcopt.so\n") ||
+        !write_file(root + "/properties/debug.dvxd_log.enable", default_debug) ||
         !create_node(root + device_panel_node) || !create_node(root + device_interval_node))
         return "cannot write below " + root;
     return {};

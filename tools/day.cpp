@@ -1,0 +1,293 @@
+#include "tools/day.h"
+
+#include <signal.h>
+#include <stdio.h>
+#include <string.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include "core/timer.h"
+#include "device/virtual_device.h"
+#include "tools/frames.h"
+#include "tools/messages.h"
+#include "tools/timeline.h"
+
+namespace {
+
+constexpr int start_timeout_ms = 5000;
+constexpr useconds_t poll_pause_us = 20000;
+constexpr double play_speed = 12;  // times real time, so that a measurement takes a moment
+
+struct day {
+    timeline line;
+    std::vector<std::string> calls;  // of the present step
+    int missing;
+};
+
+struct day_step {
+    const char *story;
+    void (*act)(day *today);
+    int pause_ms;                       // at least; what is still expected is waited for
+    std::vector<std::string> expected;  // calls that reach the hardware in this order
+};
+
+// Log lines worth a person's look; the rest is the daemon's book-keeping.
+constexpr const char *telling_lines[] = {
+    "CF",    "PM : ", "PM ",      "H=",   "FT: ", "J: ",       "SC",
+    "SM at", "FIA ",  "Escaping", "fail", "Fail", "Game tuner"};
+
+bool is_telling(const timeline_entry &entry) {
+    if (entry.kind != timeline_log)
+        return true;
+    if (entry.text.ends_with(" H"))
+        return true;
+    return std::any_of(std::begin(telling_lines), std::end(telling_lines),
+                       [&](const char *start) { return entry.text.starts_with(start); });
+}
+
+void tell(day *today, const dvx_message &message, bool is_text) {
+    const int result = send_message(message, is_text, today->line.root);
+    if (result != 0)
+        printf("    the daemon does not answer: %s\n", strerror(-result));
+}
+
+void tell_values(day *today, const char *client, int32_t code, const std::vector<int32_t> &values) {
+    tell(today, make_message(client, code, values), false);
+}
+
+void tell_text(day *today, int32_t code, const char *text) {
+    tell(today, make_text_message("powerhal", code, text), true);
+}
+
+void show_app(day *today, const char *package, const char *activity) {
+    tell_text(today, DVX_CODE_ACTIVITY, activity);
+    tell_text(today, DVX_CODE_WINDOW, package);
+}
+
+// A game of the mobile kind: 60 frames per second with a little unrest.
+std::vector<int64_t> steady_frames(size_t count) {
+    std::vector<int64_t> frames(count);
+    for (size_t i = 0; i < count; ++i)
+        frames[i] = 16700 + static_cast<int64_t>(i * 37 % 11) * 20;
+    return frames;
+}
+
+// A passage in which every fourth frame comes two display periods late.
+std::vector<int64_t> heavy_frames(size_t count) {
+    std::vector<int64_t> frames = steady_frames(count);
+    for (size_t i = 0; i < count; i += 4)
+        frames[i] = 50000;
+    return frames;
+}
+
+void home(day *today) {
+    tell_text(today, DVX_CODE_HOME, "1:com.example.home");
+    show_app(today, "com.example.home", "com.example.home/.Launcher");
+}
+
+void browser(day *today) {
+    tell_text(today, DVX_CODE_HOME, "0:com.example.home");
+    show_app(today, "com.example.browser", "com.example.browser/.Main");
+    tell_values(today, "powerhal", DVX_CODE_BROWSER, {1});
+}
+
+void game(day *today) {
+    tell_values(today, "powerhal", DVX_CODE_BROWSER, {0});
+    show_app(today, "com.example.racer", "com.example.racer/.Race");
+    tell_values(today, "powerhal", DVX_CODE_GAME, {0, 1, 60, 0});
+}
+
+void measure(day *today) {
+    play_frames(today->line.root, steady_frames(903), play_speed);
+}
+
+void lower(day *today) {
+    play_frames(today->line.root, steady_frames(5 * 301), play_speed);
+}
+
+void struggle(day *today) {
+    play_frames(today->line.root, heavy_frames(90), 3);
+}
+
+void tuned_game(day *today) {
+    tell_values(today, "powerhal", DVX_CODE_GAME_OPTIMIZER, {1});
+    tell_values(today, "powerhal", DVX_CODE_GAME, {1, 1, 45, 0});
+}
+
+void rotate(day *today) {
+    tell_values(today, "powerhal", DVX_CODE_ROTATION, {});
+}
+
+void call_on(day *today) {
+    tell_values(today, "powerhal", DVX_CODE_INCOMING_CALL, {1});
+}
+
+void call_off(day *today) {
+    tell_values(today, "powerhal", DVX_CODE_INCOMING_CALL, {0});
+}
+
+void screen_off(day *today) {
+    device_report_panel(today->line.root, false);
+}
+
+void screen_on(day *today) {
+    device_report_panel(today->line.root, true);
+}
+
+void leave_game(day *today) {
+    tell_values(today, "powerhal", DVX_CODE_GAME, {1, 0, 45, 0});
+    home(today);
+}
+
+const std::vector<day_step> steps = {
+    {"The home screen is shown; nothing is asked of the hardware.", home, 700, {}},
+    {"A browser: the policy enters fps_tune; the display keeps its 60 frames per second.",
+     browser,
+     700,
+     {}},
+    {"A game comes to the front: every cap is released and a pilot measurement begins.",
+     game,
+     900,
+     {"set_tmk_freq TMK_CLUSTER1 2803200", "set_tmk_freq TMK_CLUSTER0 1766400",
+      "set_tmk_freq TMK_GPU 710000000", "request_fbcn_i_thresh 0 0"}},
+    {"It plays 60 frames per second; after 901 intervals its profile is complete.",
+     measure,
+     300,
+     {}},
+    {"It holds its frame rate, so every 301 intervals one cap goes down.",
+     lower,
+     300,
+     {"set_tmk_freq TMK_CLUSTER0 1612800", "set_tmk_freq TMK_GPU 596000000",
+      "set_tmk_freq TMK_CLUSTER1 1612800", "set_tmk_freq TMK_CLUSTER0 1420800",
+      "set_tmk_freq TMK_GPU 414000000"}},
+    {"A heavy passage: frames come late, and caps go up again.",
+     struggle,
+     300,
+     {"set_tmk_freq TMK_GPU 596000000"}},
+    {"The game tuner takes the same game over, at 45 frames per second, after one second.",
+     tuned_game,
+     1500,
+     {"request_fps 45"}},
+    {"The screen turns: 60 frames per second for two seconds, then 45 again.",
+     rotate,
+     2400,
+     {"request_fps 60", "request_fps 45"}},
+    {"A call comes in and covers the game: its frame rate and its caps are given back.",
+     call_on,
+     900,
+     {"request_fps 60"}},
+    {"The call is over: the game is in front again.", call_off, 900, {"request_fps 45"}},
+    {"The screen goes off: no frame needs analysing.",
+     screen_off,
+     900,
+     {"request_fbcn_en 0", "request_fps 60"}},
+    {"The screen goes on.", screen_on, 900, {"request_fbcn_en 1", "request_fps 45"}},
+    {"Home: the game is left, every cap is released and the display is back at 60.",
+     leave_game,
+     900,
+     {"request_fbcn_i_thresh 18446744073709551615 0", "set_tmk_freq TMK_CLUSTER1 2803200",
+      "set_tmk_freq TMK_CLUSTER0 1766400", "set_tmk_freq TMK_GPU 710000000", "request_fps 60"}},
+};
+
+void follow(day *today) {
+    for (const timeline_entry &entry : timeline_read(&today->line)) {
+        if (entry.kind == timeline_hardware)
+            today->calls.push_back(entry.text);
+        if (is_telling(entry))
+            timeline_print(&today->line, entry);
+    }
+    fflush(stdout);
+}
+
+// The first expected call that did not come in its turn, or null.
+const std::string *find_missing(const day *today, const day_step &step) {
+    auto at = today->calls.begin();
+    for (const std::string &call : step.expected) {
+        at = std::find(at, today->calls.end(), call);
+        if (at == today->calls.end())
+            return &call;
+        ++at;
+    }
+    return nullptr;
+}
+
+void play_step(day *today, int number, const day_step &step) {
+    constexpr int patience_ms = 3000;
+    printf("\n%s%d. %s%s\n", today->line.colour ? "\033[1m" : "", number, step.story,
+           today->line.colour ? "\033[0m" : "");
+    fflush(stdout);
+    today->calls.clear();
+    // Acted out beside the timeline, which shows what happens as it happens.
+    std::atomic<int64_t> acted_ms = INT64_MAX;
+    std::thread actor([&] {
+        step.act(today);
+        acted_ms = get_current_monotonic_ms();
+    });
+    for (;;) {
+        follow(today);
+        const int64_t waited_ms = get_current_monotonic_ms() - acted_ms;
+        if (waited_ms > step.pause_ms &&
+            (find_missing(today, step) == nullptr || waited_ms > step.pause_ms + patience_ms))
+            break;
+        usleep(poll_pause_us);
+    }
+    actor.join();
+    if (const std::string *call = find_missing(today, step)) {
+        printf("    missing: hw %s\n", call->c_str());
+        ++today->missing;
+    }
+}
+
+void say_what_to_try(const std::string &root) {
+    printf(
+        "\nThe device and its daemon stay up. To drive them from a shell here:\n\n"
+        "    export DVXD_ROOT=%s PATH=%s:$PATH\n"
+        "    dvxctl watch                        (in a terminal of its own)\n"
+        "    dvxctl window com.example.racer\n"
+        "    dvxctl game on --fps 30 --tuner 1\n"
+        "    dvxctl device panel off\n"
+        "    dvxctl device stop\n",
+        root.c_str(), sibling_program("").c_str());
+}
+
+int start_device(const std::string &root) {
+    const std::string error = device_create(root, device_image_path());
+    if (!error.empty()) {
+        printf("%s\n", error.c_str());
+        return -1;
+    }
+    const int pid = device_start_daemon(root, sibling_program("dvxd"));
+    if (pid > 0 && device_wait_until_started(root, pid, start_timeout_ms) == device_started)
+        return pid;
+    printf("dvxd did not start; its log:\n");
+    int64_t offset = 0;
+    for (const std::string &line : device_read_lines(root + device_daemon_log, &offset))
+        printf("%s\n", line.c_str());
+    return -1;
+}
+
+}  // namespace
+
+int play_day(const std::string &root, bool stay) {
+    const int pid = start_device(root);
+    if (pid < 0)
+        return 1;
+    day today = {timeline_open(root), {}, 0};
+    printf("dvxd %d on a virtual device at %s\n", pid, root.c_str());
+    int number = 0;
+    for (const day_step &step : steps)
+        play_step(&today, ++number, step);
+
+    printf("\n%s\n", today.missing == 0
+                         ? "Everything that should have reached the hardware did."
+                         : "Something that should have reached the hardware did not.");
+    if (stay)
+        say_what_to_try(root);
+    else
+        kill(pid, SIGTERM);
+    return today.missing == 0 ? 0 : 1;
+}

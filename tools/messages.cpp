@@ -57,7 +57,7 @@ std::string describe_message(const dvx_message &message, bool is_text) {
     while (count > 1 && message.payload.values[count - 1] == 0)
         --count;
     for (int i = 0; i < count; ++i)
-        words += " " + std::to_string(message.payload.values[i]);
+        words.append(" ").append(std::to_string(message.payload.values[i]));
     return words;
 }
 

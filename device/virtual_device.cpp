@@ -108,10 +108,12 @@ bool device_hide_symbol(const std::string &library, const std::string &symbol) {
         content[at + 1] = '~';
         found = true;
     }
+    if (!found)
+        return false;
     // A new file, as the old one may be mapped by a daemon that runs.
     std::error_code error;
     fs::remove(library, error);
-    return found && write_file(library, content);
+    return write_file(library, content);
 }
 
 int device_open_node(const std::string &root, const char *node) {

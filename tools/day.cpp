@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <map>
 #include <thread>
 #include <vector>
 
@@ -32,7 +33,7 @@ struct day_step {
     const char *story;
     void (*act)(day *today);
     int pause_ms;                       // at least; what is still expected is waited for
-    std::vector<std::string> expected;  // calls that reach the hardware in this order
+    std::vector<std::string> expected;  // calls that reach the hardware
 };
 
 // Log lines worth a person's look; the rest is the daemon's book-keeping.
@@ -203,14 +204,17 @@ void follow(day *today) {
     fflush(stdout);
 }
 
-// The first expected call that did not come in its turn, or null.
+// The first expected call that did not come in its turn, or null. Calls of one name keep their
+// order; which feature hears of an event first is not settled.
 const std::string *find_missing(const day *today, const day_step &step) {
-    auto at = today->calls.begin();
+    std::map<std::string, size_t> seen;
     for (const std::string &call : step.expected) {
-        at = std::find(at, today->calls.end(), call);
+        size_t &from = seen[call.substr(0, call.find(' '))];
+        const auto at = std::find(today->calls.begin() + static_cast<ptrdiff_t>(from),
+                                  today->calls.end(), call);
         if (at == today->calls.end())
             return &call;
-        ++at;
+        from = static_cast<size_t>(at - today->calls.begin()) + 1;
     }
     return nullptr;
 }

@@ -34,6 +34,7 @@ struct arguments {
     int32_t ofvalue = 0;
     bool cap = false;
     bool stay = false;
+    bool needs_root = false;
 };
 
 int send(const dvx_message &message, bool is_text, const std::string &root) {
@@ -169,9 +170,7 @@ void add_device_group(CLI::App *app, arguments *given, int *exit_code) {
     day->add_flag("--stay", given->stay, "Leave device and daemon up");
     day->callback([=] { *exit_code = play_day(given->root, given->stay); });
     for (CLI::App *command : {device, watch_command, day})
-        command->add_option("--root", given->root, "Directory of the device")
-            ->envname("DVXD_ROOT")
-            ->required();
+        command->preparse_callback([=](size_t) { given->needs_root = true; });
 }
 
 }  // namespace
@@ -183,8 +182,12 @@ int main(int argc, char **argv) {
     CLI::App app("Talks to dvxd in words, and runs virtual devices for it.", "dvxctl");
     app.require_subcommand(1);
     app.get_formatter()->column_width(22);
-    if (const char *root = getenv("DVXD_ROOT"))
-        given.root = root;
+    app.fallthrough();
+    app.add_option("--root", given.root, "Directory of the virtual device")->envname("DVXD_ROOT");
+    app.parse_complete_callback([&] {
+        if (given.needs_root && given.root.empty())
+            throw CLI::RequiredError("--root or DVXD_ROOT");
+    });
     add_message_commands(&app, &given, &exit_code);
     add_device_group(&app, &given, &exit_code);
     try {
@@ -192,7 +195,11 @@ int main(int argc, char **argv) {
     } catch (const CLI::CallForHelp &help) {
         return app.exit(help);
     } catch (const CLI::ParseError &error) {
-        fprintf(stderr, "dvxctl: %s\n", error.what());
+        const std::vector<std::string> unknown = app.remaining(true);
+        if (unknown.empty())
+            fprintf(stderr, "dvxctl: %s\n", error.what());
+        else
+            fprintf(stderr, "dvxctl: unknown word '%s'; see dvxctl --help\n", unknown[0].c_str());
         return exit_usage;
     }
     return exit_code;

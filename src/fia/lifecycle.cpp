@@ -151,7 +151,7 @@ void suspend_running() {
     log_info("FIA Suspended!");
 }
 
-int start_analyser() {
+int build_analyser() {
     int result = fia_create_records();
     if (result == 0) {
         register_callbacks("fia", registrations);
@@ -161,15 +161,6 @@ int start_analyser() {
     if (result != 0)
         log_error("Failed to Initialize FIA data: %d\n", result);
     return result;
-}
-
-void tear_down() {
-    if (fia.data != nullptr)
-        fia.data->running = 0;
-    fia_free_activities();
-    request_fbcn_en(0);
-    fia_free_records();
-    log_info("FIA Thread Exited.\n");
 }
 
 }  // namespace
@@ -192,18 +183,33 @@ void fia_resume(void) {
     pthread_mutex_unlock(&fia.fia_mutex);
 }
 
+int fia_start_analyser(void) {
+    const int result = build_analyser();
+    if (result != 0)
+        return result;
+    // Published under the lock, so that no event resumes before the wait for a game is set.
+    pthread_mutex_lock(&locks.fia_lock_mutex);
+    fia_publish();
+    set_lock(lock_no_game);
+    pthread_mutex_unlock(&locks.fia_lock_mutex);
+    log_info("FIA Thread Started.\n");
+    return 0;
+}
+
+void fia_stop_analyser(void) {
+    if (fia.data != nullptr)
+        fia.data->running = 0;
+    fia_free_activities();
+    request_fbcn_en(0);
+    fia_free_records();
+    log_info("FIA Thread Exited.\n");
+}
+
 void *frame_interval_analyzer(void *) {
-    if (start_analyser() == 0) {
-        // Published under the lock, so that no event resumes before the wait for a game is set.
-        pthread_mutex_lock(&locks.fia_lock_mutex);
-        fia_publish();
-        set_lock(lock_no_game);
-        pthread_mutex_unlock(&locks.fia_lock_mutex);
-        log_info("FIA Thread Started.\n");
+    if (fia_start_analyser() == 0)
         while (fia.data->running != 0)
             usleep(idle_sleep_us);
-    }
-    tear_down();
+    fia_stop_analyser();
     return nullptr;
 }
 

@@ -1,0 +1,10 @@
+// Threads that are only asked for: a test runs their steps itself.
+#pragma once
+
+#include <string>
+#include <vector>
+
+std::vector<std::string> &requested_threads(void);
+
+// Lets every request for a thread fail from now on.
+void refuse_threads(bool refuse);

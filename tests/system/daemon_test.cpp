@@ -223,6 +223,10 @@ struct FailedStart {
     const char *lines[2];
 };
 
+void PrintTo(const FailedStart &start, std::ostream *output) {
+    *output << start.fault;
+}
+
 struct CoreSteps : Daemon, testing::WithParamInterface<FailedStart> {};
 
 TEST_P(CoreSteps, EndTheStartWhenTheyFail) {

@@ -5,6 +5,7 @@
 #include <dirent.h>
 #include <gtest/gtest.h>
 
+#include <mutex>
 #include <thread>
 
 #include "tests/support/allocation.h"
@@ -13,9 +14,11 @@
 
 namespace {
 
+std::mutex served_lock;
 std::string served;
 
 void serve(int32_t code, const void *payload) {
+    const std::lock_guard<std::mutex> guard(served_lock);
     served += std::to_string(code) + ":" + static_cast<const char *>(payload) + " ";
 }
 void serve_other(int32_t, const void *) {
@@ -128,6 +131,7 @@ TEST_F(Server, RefusesANameThatIsTaken) {
         });
     for (std::thread &client : clients)
         client.join();
+    const std::lock_guard<std::mutex> guard(served_lock);
     EXPECT_EQ(served.size(), 8 * strlen("3:t "));
 }
 

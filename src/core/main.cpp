@@ -4,10 +4,20 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include "context/activity_trigger.h"
 #include "context/running_app.h"
 #include "core/debug_mode.h"
 #include "core/event_manager.h"
 #include "core/log.h"
+#include "features/automode.h"
+#include "features/dfrc_if.h"
+#include "features/event_trigger.h"
+#include "features/image_enhance_controller.h"
+#include "features/merlak_if.h"
+#include "features/osprin_if.h"
+#include "features/profile_controller.h"
+#include "features/property_worker.h"
+#include "features/thermal_control.h"
 #include "fia/clock_manager.h"
 #include "fia/lifecycle.h"
 #include "ipc/client_handlers.h"
@@ -34,37 +44,54 @@ struct start_step {
     int (*on_success)(void);
 };
 
+// Only what is core here can fail: whoever else hangs on a manager is missed and that is all.
 int attach_fps_manager() {
-    return add_acceptor("fps", fps_manager_set_grant);
+    if (add_acceptor("fps", fps_manager_set_grant) != 0)
+        return -1;
+    init_dfrc_if();
+    return 0;
 }
 
 int attach_ie_manager() {
-    return add_acceptor("off_image_enhancer", ie_manager_set_grant);
+    if (add_acceptor("off_image_enhancer", ie_manager_set_grant) != 0)
+        return -1;
+    init_image_enhance_controller();
+    return 0;
 }
 
 int start_analyser() {
-    init_fia();  // without it there is no analysis, and that is all
+    init_fia();
     return 0;
 }
 
 constexpr int error = ANDROID_LOG_ERROR;
+constexpr int info = ANDROID_LOG_INFO;
 
 constexpr char no_monitor[] = "Failed to init kernel event monitor..\n";
 
 // In their order: a step may rely on those before it.
+// clang-format off
 constexpr start_step steps[] = {
     {init_event_manager, core, error, "Failed to init event manager..\n", nullptr},
     {start_fps_manager, optional, error, "Failed to init fps manager..\n", attach_fps_manager},
+    {init_merlak_if, optional, error, "This device does not support merlak.", nullptr},
     {start_ie_manager, optional, error, "Failed to init ie manager..\n", attach_ie_manager},
-    {init_fia_clock_manager, optional, error, "Failed to init fia clock manager..\n",
-     start_analyser},
+    {init_fia_clock_manager, optional, error, "Failed to init fia clock manager..\n", start_analyser},
     {server_init, core, error, "Failed to init server..\n", nullptr},
     {init_kevent_monitor, core, error, no_monitor, nullptr},
     {init_fevent_monitor, core, error, no_monitor, nullptr},
+    {init_activity_trigger, optional, info, "No Supporting AT", nullptr},
     {init_el, core, error, "Failed to init running app manager..\n", nullptr},
     {start_policy_manager, core, error, "Failed to init policy manager...\n", nullptr},
-    {init_debug_mode, optional, error, nullptr, nullptr},
+    {init_profile_controller, optional, info, "No Supporting PC", nullptr},
+    {init_ts, optional, info, "No Supporting TS", nullptr},
+    {init_debug_mode, optional, info, nullptr, nullptr},
+    {init_property_worker, optional, info, nullptr, nullptr},
+    {init_osprin_if, optional, info, "No support osprin control", nullptr},
+    {init_automode, optional, info, "No support automode control", nullptr},
+    {init_event_trigger, optional, info, nullptr, nullptr},
 };
+// clang-format on
 
 // Runs one step. False when the daemon cannot go on.
 bool run_step(const start_step &step) {

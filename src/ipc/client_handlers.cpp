@@ -7,6 +7,11 @@
 #include "core/event_manager.h"
 #include "core/log.h"
 #include "core/text.h"
+#include "features/automode.h"
+#include "features/low_power_mode.h"
+#include "features/merlak_if.h"
+#include "features/osprin_if.h"
+#include "features/timed_mitigation.h"
 #include "ipc/client_server.h"
 #include "resource/fps_manager.h"
 #include "resource/game_tuner.h"
@@ -50,6 +55,8 @@ void handle_game(const void *payload) {
     }
     set_game_mode(game_on, fps);
     set_ofmode_control(game_on, ofvalue);
+    decide_merlak_state_by_ofmode(static_cast<uint32_t>(fps), static_cast<uint32_t>(ofvalue));
+    decide_osprin_state(static_cast<uint32_t>(fps), static_cast<uint32_t>(ofvalue));
     log_debug(debug_powerhal, "ofvalue : %d", ofvalue);
 }
 
@@ -195,7 +202,7 @@ void handler_tmr_callback(int32_t code, const void *payload) {
         log_error("TMR Handler : Code <%d> is not supported.", code);
         return;
     }
-    static_cast<void>(payload);
+    request_timed_tmr(value_of(payload, 0));
 }
 
 void handler_mediahal_callback(int32_t code, const void *payload) {
@@ -207,10 +214,14 @@ void handler_mediahal_callback(int32_t code, const void *payload) {
 }
 
 void handler_automode_callback(int32_t /*code*/, const void *payload) {
-    log_info("automode %d", value_of(payload, 0));
+    const int32_t command = value_of(payload, 0);
+    log_info("automode %d", command);
+    set_switched_automode(static_cast<uint32_t>(command));
 }
 
-void handler_lpm_callback(int32_t /*code*/, const void * /*payload*/) {}
+void handler_lpm_callback(int32_t /*code*/, const void *payload) {
+    set_lpm_mode(value_of(payload, 0), value_of(payload, 1), value_of(payload, 2));
+}
 
 void handler_vrhal_callback(int32_t code, const void *payload) {
     if (code != DVX_CODE_VR) {

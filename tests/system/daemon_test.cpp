@@ -247,7 +247,7 @@ TEST_P(CoreSteps, EndTheStartWhenTheyFail) {
 constexpr char no_server[] = "E Quorvel : Failed to init server..";
 constexpr char no_monitor[] = "E Quorvel : Failed to init kernel event monitor..";
 
-// Threads are started in the order: analyser, client listener, kernel event monitor, policy.
+// Threads are started in the order: thermal check, analyser, client listener, kernel event monitor, policy.
 INSTANTIATE_TEST_SUITE_P(
     Start, CoreSteps,
     testing::Values(
@@ -256,12 +256,12 @@ INSTANTIATE_TEST_SUITE_P(
                      "E Quorvel : Failed to init event manager.."}},
         FailedStart{"alloc 48", {"E Quorvel : Failed to alloc", nullptr}},
         FailedStart{"listen", {"E Quorvel : listen error", no_server}},
-        FailedStart{"thread 2", {"E Quorvel : Unable to create pthread to listen", no_server}},
-        FailedStart{"thread 3", {"E Quorvel : Error initializing sync notify Thread", no_monitor}},
+        FailedStart{"thread 3", {"E Quorvel : Unable to create pthread to listen", no_server}},
+        FailedStart{"thread 4", {"E Quorvel : Error initializing sync notify Thread", no_monitor}},
         FailedStart{"alloc 72",
                     {"E Quorvel : Failed to initialize event_listener",
                      "E Quorvel : Failed to init running app manager.."}},
-        FailedStart{"thread 4",
+        FailedStart{"thread 5",
                     {"E Quorvel : Error initializing Policy Manager Thread",
                      "E Quorvel : Failed to init policy manager..."}}));
 

@@ -1,0 +1,17 @@
+#include "ipc/merlak_client.h"
+
+#include <errno.h>
+
+#include "core/text.h"
+#include "ipc/outbound.h"
+
+int request_to_merlak(uint32_t command, uint32_t value) {
+    merlak_message message = {};
+    const int fd = outbound_connect(merlak_service);
+    if (fd < 0)
+        return -EINVAL;
+    copy_text(message.sender, "merlak-client");
+    message.command = command;
+    message.value = value;
+    return outbound_send(fd, &message, sizeof(message)) < 1 ? -EINVAL : 0;
+}

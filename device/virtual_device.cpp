@@ -6,6 +6,7 @@
 #include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <time.h>
@@ -66,6 +67,48 @@ bool create_node(const std::string &path) {
     return mkfifo(path.c_str(), 0644) == 0;
 }
 
+// The process whose number stands in the file, as long as it is a program of this name: the number
+// may be another's by now.
+int running_process(const std::string &pid_path, const std::string &name) {
+    const int pid = atoi(read_file(pid_path).c_str());
+    if (pid <= 0 || kill(pid, 0) != 0)
+        return 0;
+    return read_file("/proc/" + std::to_string(pid) + "/comm") == name + "\n" ? pid : 0;
+}
+
+// Starts a program with what it says going to a file of the device.
+int start_program(const std::string &root, const std::vector<std::string> &words,
+                  const char *output, const char *pid_file, bool die_with_me) {
+    const std::string path = root + output;
+    const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0644);
+    if (fd < 0)
+        return -errno;
+    std::vector<char *> arguments;
+    for (const std::string &word : words)
+        arguments.push_back(const_cast<char *>(word.c_str()));
+    arguments.push_back(nullptr);
+    const pid_t pid = fork();
+    if (pid == 0) {
+        setsid();
+        if (die_with_me)
+            prctl(PR_SET_PDEATHSIG, SIGTERM);
+        const int null_fd = open("/dev/null", O_RDWR);
+        dup2(null_fd, STDIN_FILENO);
+        dup2(null_fd, STDOUT_FILENO);
+        dup2(fd, STDERR_FILENO);
+        setenv("DVXD_ROOT", root.c_str(), 1);
+        execv(arguments[0], arguments.data());
+        dprintf(STDERR_FILENO, "cannot run %s\n", arguments[0]);
+        _exit(127);
+    }
+    const int error = errno;
+    close(fd);
+    if (pid < 0)
+        return -error;
+    write_file(root + pid_file, std::to_string(pid) + "\n");
+    return pid;
+}
+
 }  // namespace
 
 std::string sibling_program(const std::string &name) {
@@ -90,6 +133,7 @@ std::string device_create(const std::string &root, const std::string &image) {
         return "cannot lay out " + root + ": " + error.message();
     if (!write_file(root + "/" + marker, "") || !write_file(root + device_calls_log, "") ||
         !write_file(root + device_messages_log, "") || !write_file(root + device_daemon_log, "") ||
+        !write_file(root + device_services_log, "") ||
         !write_file(root + device_conf, default_conf) ||
         !write_file(root + "/properties/ro.vendor.extension_library",
                     "/vendor/lib64/libqcopt.so\n") ||
@@ -141,29 +185,13 @@ int device_report_interval(int node_fd, int64_t interval_us) {
     return write(node_fd, report.data(), report.size()) < 0 ? -errno : 0;
 }
 
-int device_start_daemon(const std::string &root, const std::string &daemon) {
-    const std::string log = root + device_daemon_log;
-    const int log_fd = open(log.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0644);
-    if (log_fd < 0)
-        return -errno;
-    const pid_t pid = fork();
-    if (pid == 0) {
-        setsid();
-        const int null_fd = open("/dev/null", O_RDWR);
-        dup2(null_fd, STDIN_FILENO);
-        dup2(null_fd, STDOUT_FILENO);
-        dup2(log_fd, STDERR_FILENO);
-        setenv("DVXD_ROOT", root.c_str(), 1);
-        execl(daemon.c_str(), daemon.c_str(), static_cast<char *>(nullptr));
-        dprintf(STDERR_FILENO, "cannot run %s\n", daemon.c_str());
-        _exit(127);
-    }
-    const int error = errno;
-    close(log_fd);
-    if (pid < 0)
-        return -error;
-    write_file(root + device_daemon_pid, std::to_string(pid) + "\n");
-    return pid;
+int device_start_daemon(const std::string &root, const std::string &daemon, bool die_with_me) {
+    return start_program(root, {daemon}, device_daemon_log, device_daemon_pid, die_with_me);
+}
+
+int device_start_services(const std::string &root, bool die_with_me) {
+    return start_program(root, {sibling_program("dvxctl"), "--root", root, "device", "services"},
+                         device_services_error, device_services_pid, die_with_me);
 }
 
 device_start_result device_wait_until_started(const std::string &root, int pid, int timeout_ms) {
@@ -181,12 +209,11 @@ device_start_result device_wait_until_started(const std::string &root, int pid, 
 }
 
 int device_daemon_process(const std::string &root) {
-    const int pid = atoi(read_file(root + device_daemon_pid).c_str());
-    if (pid <= 0 || kill(pid, 0) != 0)
-        return 0;
-    // The number may be another process's by now.
-    const std::string name = read_file("/proc/" + std::to_string(pid) + "/comm");
-    return name == "dvxd\n" ? pid : 0;
+    return running_process(root + device_daemon_pid, "dvxd");
+}
+
+int device_services_process(const std::string &root) {
+    return running_process(root + device_services_pid, "dvxctl");
 }
 
 std::vector<std::string> device_read_lines(const std::string &path, int64_t *offset) {

@@ -12,6 +12,9 @@ inline constexpr char device_calls_log[] = "/calls.log";        // what the libr
 inline constexpr char device_messages_log[] = "/messages.log";  // what dvxctl sent
 inline constexpr char device_daemon_log[] = "/dvxd.log";        // standard error of the daemon
 inline constexpr char device_daemon_pid[] = "/dvxd.pid";
+inline constexpr char device_services_log[] = "/services.log";  // what the daemon told services
+inline constexpr char device_services_pid[] = "/services.pid";
+inline constexpr char device_services_error[] = "/services.err";
 inline constexpr char device_conf[] = "/hardware.conf";  // what the libraries answer
 inline constexpr char device_panel_node[] = "/sys/class/power/sben/sben_event";
 inline constexpr char device_interval_node[] = "/sys/class/power/fbcn/fbcn_intv";
@@ -37,15 +40,21 @@ int device_report_panel(const std::string &root, bool on);
 // errno value.
 int device_report_interval(int node_fd, int64_t interval_us);
 
-// Starts `dvxd` on the device, its log going to the device's file. Its process id, or a negative
-// errno value. `wait_until_started` answers once the daemon serves.
-int device_start_daemon(const std::string &root, const std::string &daemon);
+// Starts `dvxd` on the device, its log going to the device's file. With `die_with_me` it ends when
+// this program does. Its process id, or a negative errno value. `device_wait_until_started` answers
+// once the daemon serves.
+int device_start_daemon(const std::string &root, const std::string &daemon,
+                        bool die_with_me = false);
+
+// Starts the stand-ins of the three services that the daemon talks to.
+int device_start_services(const std::string &root, bool die_with_me = false);
 
 enum device_start_result { device_started, device_start_failed, device_start_timeout };
 device_start_result device_wait_until_started(const std::string &root, int pid, int timeout_ms);
 
-// The process id of the device's daemon, or 0 when none runs.
+// The process id of the device's daemon, or of its stand-in services; 0 when there is none.
 int device_daemon_process(const std::string &root);
+int device_services_process(const std::string &root);
 
 // The path of a program of this project that stands beside this one.
 std::string sibling_program(const std::string &name);

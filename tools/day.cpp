@@ -141,7 +141,69 @@ void screen_on(day *today) {
 
 void leave_game(day *today) {
     tell_values(today, "powerhal", DVX_CODE_GAME, {1, 0, 45, 0});
+    tell_values(today, "powerhal", DVX_CODE_GAME_OPTIMIZER, {0});
     home(today);
+}
+
+void leave_home_for(day *today, const char *package, const char *activity) {
+    tell_text(today, DVX_CODE_HOME, "0:com.example.home");
+    show_app(today, package, activity);
+}
+
+void video(day *today) {
+    leave_home_for(today, "com.zuv.videoplayer", "com.zuv.videoplayer/.Play");
+    tell_values(today, "mediahal", DVX_CODE_VIDEO_DECODE, {1});
+    tell_values(today, "mediahal", DVX_CODE_VIDEO_DECODE, {0});
+}
+
+void camera(day *today) {
+    show_app(today, "com.example.camera", "com.example.camera/.Record");
+    tell_values(today, "powerhal", DVX_CODE_ENCODE, {1});
+    usleep(500000);
+    tell_values(today, "powerhal", DVX_CODE_ENCODE, {0});
+}
+
+void map(day *today) {
+    show_app(today, "com.locnall.KimGiSa", "com.locnall.KimGiSa/.Map");
+}
+
+void chat(day *today) {
+    show_app(today, "com.kakao.talk", "com.kakao.talk/.Chat");
+}
+
+void gallery(day *today) {
+    show_app(today, "com.android.gallery3d", "com.android.gallery3d/.Album");
+}
+
+void automode_game(day *today) {
+    show_app(today, "com.example.puzzle", "com.example.puzzle/.Play");
+    tell_values(today, "powerhal", DVX_CODE_GAME, {0, 1, 60, 0});
+    tell_values(today, "automode", DVX_CODE_ANY, {1});
+}
+
+void touch(day *today) {
+    tell_values(today, "powerhal", DVX_CODE_INTERACTION, {});
+}
+
+void automode_off(day *today) {
+    tell_values(today, "automode", DVX_CODE_ANY, {0});
+}
+
+void vr(day *today) {
+    tell_values(today, "vrhal", DVX_CODE_VR, {1});
+    usleep(500000);
+    tell_values(today, "vrhal", DVX_CODE_VR, {0});
+    tell_values(today, "powerhal", DVX_CODE_GAME, {0, 0, 60, 0});
+}
+
+void low_power(day *today) {
+    tell_values(today, "lowpowermode", DVX_CODE_ANY, {1, 2, 1});
+    usleep(500000);
+    tell_values(today, "lowpowermode", DVX_CODE_ANY, {0, 0, 0});
+}
+
+void mitigation(day *today) {
+    tell_values(today, "tmr", DVX_CODE_TIMED_MITIGATION, {1200});
 }
 
 const std::vector<day_step> steps = {
@@ -192,6 +254,42 @@ const std::vector<day_step> steps = {
      900,
      {"request_fbcn_i_thresh 18446744073709551615 0", "set_tmk_freq TMK_CLUSTER1 2803200",
       "set_tmk_freq TMK_CLUSTER0 1766400", "set_tmk_freq TMK_GPU 710000000", "request_fps 60"}},
+    {"A video player: the activity trigger knows it; the image engine stays as it is.",
+     video,
+     700,
+     {}},
+    {"The camera records: its thermal configuration holds as long.",
+     camera,
+     700,
+     {"enable_thermal_config TCONF_CAMERA 1", "enable_thermal_config TCONF_CAMERA 0"}},
+    {"A map, known by its window: geo mode, published as 2.",
+     map,
+     700,
+     {"enable_thermal_config TCONF_GEO 1"}},
+    {"A chat: social mode.", chat, 700, {"enable_thermal_config TCONF_GEO 0"}},
+    {"The gallery gets its image-engine mode.", gallery, 700, {"request_image_engine_mode 3"}},
+    {"A game under automode: 20 frames per second, less brightness, its frequencies.",
+     automode_game,
+     900,
+     {"enable_thermal_config SWAM_FREQ 1", "request_fps 20"}},
+    {"A touch lifts frame rate and brightness until eight seconds after it.",
+     touch,
+     900,
+     {"request_fps 60", "request_fps 20"}},
+    {"Automode off.", automode_off, 500, {"request_fps 60", "enable_thermal_config SWAM_FREQ 0"}},
+    {"VR: frames are not analysed meanwhile. Then the game is left.",
+     vr,
+     500,
+     {"request_fbcn_i_thresh 18446744073709551615 0", "request_fbcn_i_thresh 0 0",
+      "request_osprin_control 0"}},
+    {"Extreme low power mode with its cap of 30 frames per second, and off again.",
+     low_power,
+     500,
+     {"enable_thermal_config LPM_FREQ 0", "request_fps 30", "request_fps 60"}},
+    {"A service asks for thermal mitigation for 1.2 seconds.",
+     mitigation,
+     1500,
+     {"request_tmr_2cluster 0 0", "request_tmr_2cluster 4294967295 4294967295"}},
 };
 
 void follow(day *today) {
@@ -220,7 +318,7 @@ const std::string *find_missing(const day *today, const day_step &step) {
 }
 
 void play_step(day *today, int number, const day_step &step) {
-    constexpr int patience_ms = 3000;
+    constexpr int patience_ms = 10000;
     printf("\n%s%d. %s%s\n", today->line.colour ? "\033[1m" : "", number, step.story,
            today->line.colour ? "\033[0m" : "");
     fflush(stdout);
@@ -258,13 +356,14 @@ void say_what_to_try(const std::string &root) {
         root.c_str(), sibling_program("").c_str());
 }
 
-int start_device(const std::string &root) {
+int start_device(const std::string &root, bool stay) {
     const std::string error = device_create(root, device_image_path());
     if (!error.empty()) {
         printf("%s\n", error.c_str());
         return -1;
     }
-    const int pid = device_start_daemon(root, sibling_program("dvxd"));
+    device_start_services(root, !stay);
+    const int pid = device_start_daemon(root, sibling_program("dvxd"), !stay);
     if (pid > 0 && device_wait_until_started(root, pid, start_timeout_ms) == device_started)
         return pid;
     printf("dvxd did not start; its log:\n");
@@ -277,7 +376,7 @@ int start_device(const std::string &root) {
 }  // namespace
 
 int play_day(const std::string &root, bool stay) {
-    const int pid = start_device(root);
+    const int pid = start_device(root, stay);
     if (pid < 0)
         return 1;
     day today = {timeline_open(root), {}, 0};
@@ -292,6 +391,7 @@ int play_day(const std::string &root, bool stay) {
     if (stay)
         say_what_to_try(root);
     else
-        kill(pid, SIGTERM);
+        for (const int process : {pid, device_services_process(root)})
+            kill(process, SIGTERM);
     return today.missing == 0 ? 0 : 1;
 }

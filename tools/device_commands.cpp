@@ -13,6 +13,7 @@
 
 #include "device/virtual_device.h"
 #include "tools/frames.h"
+#include "tools/services.h"
 
 namespace {
 
@@ -39,6 +40,8 @@ int start(const std::string &root) {
     if (pid < 0)
         return fail("cannot start dvxd on " + root + ": " + strerror(-pid));
     if (device_wait_until_started(root, pid, start_timeout_ms) == device_started) {
+        if (device_services_process(root) == 0)
+            device_start_services(root);
         printf("dvxd %d serves %s\n", pid, root.c_str());
         return 0;
     }
@@ -49,6 +52,9 @@ int start(const std::string &root) {
 }
 
 int stop(const std::string &root) {
+    const int services = device_services_process(root);
+    if (services != 0)
+        kill(services, SIGTERM);
     const int pid = device_daemon_process(root);
     if (pid == 0)
         return fail("no daemon runs on " + root);
@@ -149,6 +155,9 @@ void add_device_commands(CLI::App *parent, const std::string *root, int *exit_co
     parent->add_subcommand("stop", "Stop the device's dvxd")->callback([=] {
         *exit_code = stop(*root);
     });
+
+    parent->add_subcommand("services", "Stand in for the services that dvxd talks to")
+        ->callback([=] { *exit_code = serve_services(*root, true); });
 
     auto state = std::make_shared<std::string>();
     CLI::App *panel_command = parent->add_subcommand("panel", "Report the panel's power");

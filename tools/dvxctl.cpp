@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "core/events.h"
 #include "device/virtual_device.h"
 #include "tools/day.h"
 #include "tools/device_commands.h"
@@ -57,6 +58,13 @@ int watch(const std::string &root) {
         fflush(stdout);
         usleep(watch_pause_us);
     }
+}
+
+int print_events() {
+    for (uint32_t id = 0; id < event_count; ++id)
+        if (event_name(id) != nullptr)
+            printf("%2u  %s\n", id, event_name(id));
+    return 0;
 }
 
 void add_state_option(CLI::App *command, arguments *given) {
@@ -165,6 +173,9 @@ void add_device_group(CLI::App *app, arguments *given, int *exit_code) {
         app->add_subcommand("watch", "Follow a device as one timeline")->group("Virtual device");
     CLI::App *day =
         app->add_subcommand("day", "Play a short day on a fresh device")->group("Virtual device");
+    app->add_subcommand("events", "Every event with its name")->callback([=] {
+        *exit_code = print_events();
+    });
     add_device_commands(device, &given->root, exit_code);
     watch_command->callback([=] { *exit_code = watch(given->root); });
     day->add_flag("--stay", given->stay, "Leave device and daemon up");

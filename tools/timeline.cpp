@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <utility>
 
 #include "core/events.h"
 #include "device/virtual_device.h"
@@ -22,8 +24,9 @@ struct kind_style {
     const char *colour;
 };
 
-constexpr kind_style styles[] = {
-    {"message", "\033[1;36m"}, {"event", "\033[33m"}, {"log", "\033[2m"}, {"hw", "\033[1;32m"}};
+constexpr kind_style styles[] = {{"message", "\033[1;36m"}, {"event", "\033[33m"},
+                                 {"log", "\033[2m"},        {"hw", "\033[1;32m"},
+                                 {"service", "\033[1;35m"}, {"prop", "\033[1;34m"}};
 
 int64_t size_of(const std::string &path) {
     std::error_code error;
@@ -71,6 +74,31 @@ timeline_entry parse_stamped_line(const std::string &line, timeline_kind kind, i
             at == std::string::npos ? "" : line.substr(at + 1)};
 }
 
+std::map<std::string, std::string> read_properties(const std::string &root) {
+    std::map<std::string, std::string> properties;
+    std::error_code error;
+    for (const auto &file : std::filesystem::directory_iterator(root + "/properties", error)) {
+        const std::string name = file.path().filename();
+        std::string value;
+        std::ifstream content(file.path());
+        std::getline(content, value);
+        if (name[0] != '.')
+            properties[name] = value;
+    }
+    return properties;
+}
+
+// Properties that have changed, which no file dates.
+void read_changes(timeline *line, std::vector<timeline_entry> *entries) {
+    std::map<std::string, std::string> now = read_properties(line->root);
+    for (const auto &[name, value] : now) {
+        const auto before = line->properties.find(name);
+        if (before == line->properties.end() || before->second != value)
+            entries->push_back({wall_clock_ms(), timeline_property, name + " " + value});
+    }
+    line->properties = std::move(now);
+}
+
 }  // namespace
 
 timeline timeline_open(const std::string &root) {
@@ -79,6 +107,8 @@ timeline timeline_open(const std::string &root) {
             size_of(root + device_messages_log),
             size_of(root + device_daemon_log),
             size_of(root + device_calls_log),
+            size_of(root + device_services_log),
+            read_properties(root),
             isatty(STDOUT_FILENO) == 1};
 }
 
@@ -115,6 +145,10 @@ std::vector<timeline_entry> timeline_read(timeline *line) {
     for (const std::string &text :
          device_read_lines(line->root + device_calls_log, &line->calls_offset))
         entries.push_back(parse_stamped_line(text, timeline_hardware, 1, offset_ns));
+    for (const std::string &text :
+         device_read_lines(line->root + device_services_log, &line->services_offset))
+        entries.push_back(parse_stamped_line(text, timeline_service, 0, offset_ns));
+    read_changes(line, &entries);
     std::stable_sort(
         entries.begin(), entries.end(),
         [](const timeline_entry &a, const timeline_entry &b) { return a.time_ms < b.time_ms; });

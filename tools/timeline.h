@@ -5,10 +5,18 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
-enum timeline_kind { timeline_message, timeline_event, timeline_log, timeline_hardware };
+enum timeline_kind {
+    timeline_message,
+    timeline_event,
+    timeline_log,
+    timeline_hardware,
+    timeline_service,
+    timeline_property,
+};
 
 struct timeline_entry {
     int64_t time_ms;  // of the wall clock, as the log has it
@@ -22,6 +30,8 @@ struct timeline {
     int64_t messages_offset;
     int64_t daemon_offset;
     int64_t calls_offset;
+    int64_t services_offset;
+    std::map<std::string, std::string> properties;
     bool colour;
 };
 

@@ -25,7 +25,7 @@ constexpr double play_speed = 12;  // times real time, so that a measurement tak
 
 struct day {
     timeline line;
-    std::vector<std::string> calls;  // of the present step
+    std::vector<std::string> calls;  // of the present step: hardware, services, properties
     int missing;
 };
 
@@ -33,7 +33,7 @@ struct day_step {
     const char *story;
     void (*act)(day *today);
     int pause_ms;                       // at least; what is still expected is waited for
-    std::vector<std::string> expected;  // calls that reach the hardware
+    std::vector<std::string> expected;  // what reaches hardware, services and properties
 };
 
 // Log lines worth a person's look; the rest is the daemon's book-keeping.
@@ -271,11 +271,13 @@ const std::vector<day_step> steps = {
     {"A game under automode: 20 frames per second, less brightness, its frequencies.",
      automode_game,
      900,
-     {"enable_thermal_config SWAM_FREQ 1", "request_fps 20"}},
+     {"enable_thermal_config SWAM_FREQ 1", "request_fps 20", "merlak service  10 game",
+      "power-control HAL  max brightness 160:72"}},
     {"A touch lifts frame rate and brightness until eight seconds after it.",
      touch,
      900,
-     {"request_fps 60", "request_fps 20"}},
+     {"request_fps 60", "request_fps 20", "power-control HAL  max brightness 160:-1",
+      "power-control HAL  max brightness 160:72"}},
     {"Automode off.", automode_off, 500, {"request_fps 60", "enable_thermal_config SWAM_FREQ 0"}},
     {"VR: frames are not analysed meanwhile. Then the game is left.",
      vr,
@@ -294,7 +296,7 @@ const std::vector<day_step> steps = {
 
 void follow(day *today) {
     for (const timeline_entry &entry : timeline_read(&today->line)) {
-        if (entry.kind == timeline_hardware)
+        if (entry.kind >= timeline_hardware)
             today->calls.push_back(entry.text);
         if (is_telling(entry))
             timeline_print(&today->line, entry);
@@ -339,7 +341,7 @@ void play_step(day *today, int number, const day_step &step) {
     }
     actor.join();
     if (const std::string *call = find_missing(today, step)) {
-        printf("    missing: hw %s\n", call->c_str());
+        printf("    missing: %s\n", call->c_str());
         ++today->missing;
     }
 }
@@ -386,8 +388,8 @@ int play_day(const std::string &root, bool stay) {
         play_step(&today, ++number, step);
 
     printf("\n%s\n", today.missing == 0
-                         ? "Everything that should have reached the hardware did."
-                         : "Something that should have reached the hardware did not.");
+                         ? "Everything that should have reached the hardware and the services did."
+                         : "Something that should have reached the hardware or a service did not.");
     if (stay)
         say_what_to_try(root);
     else

@@ -247,7 +247,8 @@ TEST_P(CoreSteps, EndTheStartWhenTheyFail) {
 constexpr char no_server[] = "E Quorvel : Failed to init server..";
 constexpr char no_monitor[] = "E Quorvel : Failed to init kernel event monitor..";
 
-// Threads are started in the order: thermal check, analyser, client listener, kernel event monitor, policy.
+// Threads are started in the order: thermal check, analyser, client listener, kernel event monitor,
+// policy.
 INSTANTIATE_TEST_SUITE_P(
     Start, CoreSteps,
     testing::Values(

@@ -3,6 +3,7 @@
 // which decides about one log line.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 enum debug_group : uint32_t {
@@ -11,8 +12,14 @@ enum debug_group : uint32_t {
     debug_features = 7,  // timers, thermal, profiles, activity trigger, frame interval analysis
 };
 
+// The groups that are open: the mask while debug lines are on, else 0. Written by main and by the
+// kernel event monitor, read by every thread; relaxed, as nothing is published with it.
+extern std::atomic<uint8_t> debug_gate_groups;
+
 // 1 when debug lines are on and the mask holds the bit of this number, else 0.
-int rtDebugMode(uint32_t bit);
+inline int rtDebugMode(uint32_t bit) {
+    return (debug_gate_groups.load(std::memory_order_relaxed) >> (bit % 32)) & 1;
+}
 
 // Sets the gate: whether lines are wanted at all, and of which groups.
 void debug_gate_set(bool enable, uint8_t mask);

@@ -1,0 +1,174 @@
+// Runs the benchmarks and writes one table: medians, and each beside its floor of the same run.
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <map>
+#include <new>
+
+#include "bench/process.h"
+#include "bench/setup.h"
+#include "core/event_manager.h"
+#include "device/virtual_device.h"
+#include "fia/clock_manager.h"
+#include "fia/lifecycle.h"
+#include "fia/records.h"
+#include "resource/fps_manager.h"
+
+namespace {
+
+int64_t allocation_count = 0;
+
+struct row {
+    const char *what;
+    const char *name;
+    const char *floor;  // null: none
+    const char *target;
+    double limit;  // of the ratio to the floor, or of the nanoseconds without one
+};
+
+constexpr row rows[] = {
+    {"message, round trip", "message_round_trip/real_time", "message_round_trip_floor/real_time",
+     "1.15 x bare server", 1.15},
+    {"message, 16 under way", "message_burst/real_time", "message_burst_floor/real_time",
+     "1.15 x bare server", 1.15},
+    {"`notify_event`, 1 callback", "notify/1", "notify_floor/1", "2 x plain loop", 2},
+    {"`notify_event`, 8 callbacks", "notify/8", "notify_floor/8", "2 x plain loop", 2},
+    {"`notify_event`, 64 callbacks", "notify/64", "notify_floor/64", "2 x plain loop", 2},
+    {"`requestor_request_fps`, nothing new", "fps_request", nullptr, "none", 0},
+    {"interval, suspended", "interval_suspended", nullptr, "40 ns", 40},
+    {"interval, measuring, no scene", "interval_measuring/0", nullptr, "200 ns", 200},
+    {"interval, measuring, five scenes", "interval_measuring/5", nullptr, "200 ns", 200},
+    {"interval, active", "interval_active", nullptr, "80 ns", 80},
+    {"kernel report to decision", "kernel_report", "kernel_report_floor",
+     "1.15 x poll, read, rewind", 1.15},
+};
+
+// The medians of a run, by the benchmark's name.
+class median_reporter : public benchmark::ConsoleReporter {
+public:
+    std::map<std::string, double> nanoseconds;
+    double most_allocations = 0;
+
+    void ReportRuns(const std::vector<Run> &runs) override {
+        for (const Run &run : runs) {
+            if (run.aggregate_name == "median")
+                nanoseconds[run.run_name.str()] = run.GetAdjustedRealTime();
+            const auto counted = run.counters.find("allocations");
+            if (counted != run.counters.end() && counted->second.value > most_allocations)
+                most_allocations = counted->second.value;
+        }
+    }
+    bool ReportContext(const Context &) override { return true; }
+};
+
+void print_table(const median_reporter &medians) {
+    printf("| what | median | floor | ratio | at most | |\n|---|---|---|---|---|---|\n");
+    for (const row &line : rows) {
+        const auto found = medians.nanoseconds.find(line.name);
+        if (found == medians.nanoseconds.end()) {
+            printf("| %s | not run here | | | %s | |\n", line.what, line.target);
+            continue;
+        }
+        if (line.floor != nullptr) {
+            const double floor = medians.nanoseconds.at(line.floor);
+            printf("| %s | %.1f ns | %.1f ns | %.2f | %s | %s |\n", line.what, found->second, floor,
+                   found->second / floor, line.target,
+                   found->second / floor <= line.limit ? "met" : "missed");
+        } else {
+            printf("| %s | %.1f ns | | | %s | %s |\n", line.what, found->second, line.target,
+                   line.limit <= 0               ? ""
+                   : found->second <= line.limit ? "met"
+                                                 : "missed");
+        }
+    }
+    printf("| allocations of the intervals | %.0f | | | 0 | %s |\n", medians.most_allocations,
+           medians.most_allocations == 0 ? "met" : "missed");
+}
+
+void print_process(double start_ms, const process_figures &figures) {
+    const auto verdict = [](bool met) { return met ? "met" : "missed"; };
+    printf("| start, from fork to the start line | %.2f ms | | | 10 ms | %s |\n", start_ms,
+           verdict(start_ms <= 10));
+    printf("| resident when idle | %ld KiB | | | 4096 KiB | %s |\n", figures.idle_kib,
+           verdict(figures.idle_kib <= 4096));
+    printf("| resident after a hundredth of the load | %ld KiB | | | | |\n", figures.warm_kib);
+    printf(
+        "| resident after 10^5 messages and 10^6 intervals | %ld KiB | | | no growth | %+ld KiB "
+        "|\n",
+        figures.after_load_kib, figures.after_load_kib - figures.warm_kib);
+    printf("| wake-ups a second when idle | %.1f | | | 2 | %s |\n", figures.idle_wakeups,
+           verdict(figures.idle_wakeups <= 2.1));
+    printf("| the same once a timer was armed | %.1f | | | 4 | %s |\n", figures.timer_wakeups,
+           verdict(figures.timer_wakeups <= 4.2));
+}
+
+void remove_device() {
+    std::error_code error;
+    std::filesystem::remove_all(bench_device(), error);
+}
+
+}  // namespace
+
+void *operator new(size_t size, const std::nothrow_t &) noexcept {
+    ++allocation_count;
+    return malloc(size);
+}
+void *operator new[](size_t size, const std::nothrow_t &) noexcept {
+    ++allocation_count;
+    return malloc(size);
+}
+
+int64_t allocations(void) {
+    return allocation_count;
+}
+
+const std::string &bench_device(void) {
+    static const std::string root = [] {
+        char name[] = "/tmp/dvx-bench-XXXXXX";
+        const std::string made = mkdtemp(name);
+        const std::string error = device_create(made, device_image_path());
+        if (!error.empty()) {
+            printf("%s\n", error.c_str());
+            exit(1);
+        }
+        std::filesystem::remove(made + "/properties/debug.dvxd_log.enable");
+        setenv("DVXD_ROOT", made.c_str(), 1);
+        return made;
+    }();
+    return root;
+}
+
+void bench_set_up_daemon(void) {
+    static const bool done = [] {
+        bench_device();
+        return init_event_manager() == 0 && start_fps_manager() == 0 &&
+               init_fia_clock_manager() == 0 && init_fia() == 0;
+    }();
+    // The analyser publishes its records on its own thread.
+    for (int i = 0; done && !fia_is_enabled() && i < 1000; ++i)
+        usleep(1000);
+}
+
+int main(int argc, char **argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 2;
+    bench_device();
+    atexit(remove_device);
+    // Whole processes first, while the name of the daemon's socket is free.
+    const double start_ms = measure_start_ms(21);
+    const process_figures figures = measure_process();
+    // What the daemon logs here is no part of any figure.
+    const int null_fd = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    dup2(null_fd, STDERR_FILENO);
+    median_reporter medians;
+    benchmark::RunSpecifiedBenchmarks(&medians);
+    print_table(medians);
+    print_process(start_ms, figures);
+    return 0;
+}

@@ -1,4 +1,5 @@
-/* A hardware resource library that does nothing but call the daemon back, as vendors' libraries do. */
+/* A hardware resource library that does nothing but call the daemon back, as vendors' libraries do.
+ */
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>

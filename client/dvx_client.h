@@ -75,17 +75,23 @@ enum dvx_code {
                          "lowpowermode", values: on, mode (1 or 2), cap frame rate */
 };
 
+/* Copies a text to a zeroed field of `size` bytes, cut so that a NUL stays behind it. */
+static inline void dvx_copy_text(char *field, size_t size, const char *text) {
+    const char *end = (const char *)memchr(text, 0, size - 1);
+    memcpy(field, text, end != NULL ? (size_t)(end - text) : size - 1);
+}
+
 /* Starts a message without payload. A longer client name is cut. */
 static inline void dvx_message_init(struct dvx_message *message, const char *client, int32_t code) {
     memset(message, 0, sizeof(*message));
-    memcpy(message->client, client, strnlen(client, sizeof(message->client) - 1));
+    dvx_copy_text(message->client, sizeof(message->client), client);
     message->code = code;
 }
 
 /* Sets the payload to a text; a longer one is cut at 255 characters. */
 static inline void dvx_message_set_text(struct dvx_message *message, const char *text) {
     memset(&message->payload, 0, sizeof(message->payload));
-    memcpy(message->payload.text, text, strnlen(text, sizeof(message->payload.text) - 1));
+    dvx_copy_text(message->payload.text, sizeof(message->payload.text), text);
 }
 
 /* Connects to the daemon: a descriptor, or a negative errno value. */

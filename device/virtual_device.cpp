@@ -73,7 +73,10 @@ int running_process(const std::string &pid_path, const std::string &name) {
     const int pid = atoi(read_file(pid_path).c_str());
     if (pid <= 0 || kill(pid, 0) != 0)
         return 0;
-    return read_file("/proc/" + std::to_string(pid) + "/comm") == name + "\n" ? pid : 0;
+    // "PID (NAME) STATE ...": one that has ended but has not been waited for does not run.
+    const std::string status = read_file("/proc/" + std::to_string(pid) + "/stat");
+    const std::string running = std::to_string(pid) + " (" + name + ") ";
+    return status.starts_with(running) && status[running.size()] != 'Z' ? pid : 0;
 }
 
 // Starts a program with what it says going to a file of the device.
@@ -90,6 +93,7 @@ int start_program(const std::string &root, const std::vector<std::string> &words
     const pid_t pid = fork();
     if (pid == 0) {
         setsid();
+        signal(SIGPIPE, SIG_DFL);  // whatever this program does with it
         if (die_with_me)
             prctl(PR_SET_PDEATHSIG, SIGTERM);
         const int null_fd = open("/dev/null", O_RDWR);
@@ -125,6 +129,8 @@ std::string device_create(const std::string &root, const std::string &image) {
         return refusal;
     if (device_daemon_process(root) != 0)
         return "a daemon runs on " + root;
+    if (device_services_process(root) != 0)
+        kill(device_services_process(root), SIGTERM);
     std::error_code error;
     fs::remove_all(root, error);
     fs::create_directories(root + "/properties", error);
@@ -218,6 +224,9 @@ int device_services_process(const std::string &root) {
 
 std::vector<std::string> device_read_lines(const std::string &path, int64_t *offset) {
     std::vector<std::string> lines;
+    std::error_code error;
+    if (static_cast<int64_t>(fs::file_size(path, error)) < *offset && !error)
+        *offset = 0;  // begun anew
     std::ifstream file(path, std::ios::binary);
     file.seekg(*offset);
     const std::string content{std::istreambuf_iterator<char>(file),

@@ -358,6 +358,12 @@ void say_what_to_try(const std::string &root) {
         root.c_str(), sibling_program("").c_str());
 }
 
+void stop_device(const std::string &root) {
+    for (const int process : {device_daemon_process(root), device_services_process(root)})
+        if (process > 0)
+            kill(process, SIGTERM);
+}
+
 int start_device(const std::string &root, bool stay) {
     const std::string error = device_create(root, device_image_path());
     if (!error.empty()) {
@@ -368,6 +374,7 @@ int start_device(const std::string &root, bool stay) {
     const int pid = device_start_daemon(root, sibling_program("dvxd"), !stay);
     if (pid > 0 && device_wait_until_started(root, pid, start_timeout_ms) == device_started)
         return pid;
+    stop_device(root);
     printf("dvxd did not start; its log:\n");
     int64_t offset = 0;
     for (const std::string &line : device_read_lines(root + device_daemon_log, &offset))
@@ -393,7 +400,6 @@ int play_day(const std::string &root, bool stay) {
     if (stay)
         say_what_to_try(root);
     else
-        for (const int process : {pid, device_services_process(root)})
-            kill(process, SIGTERM);
+        stop_device(root);
     return today.missing == 0 ? 0 : 1;
 }

@@ -52,12 +52,12 @@ int watch(const std::string &root) {
         return exit_failure;
     }
     timeline line = timeline_open(root);
-    for (;;) {
+    while (fflush(stdout) == 0 && ferror(stdout) == 0) {  // until nobody reads any more
         for (const timeline_entry &entry : timeline_read(&line))
             timeline_print(&line, entry);
-        fflush(stdout);
         usleep(watch_pause_us);
     }
+    return 0;
 }
 
 int print_events() {

@@ -18,6 +18,8 @@ int device_path(char *buffer, size_t size, const char *path) {
 
 void *device_library_open(const char *path, int flags) {
     char host_path[PATH_MAX];
-    // The loader refuses a path that is too long, with its own words.
-    return dlopen(device_path(host_path, sizeof(host_path), path) == 0 ? host_path : path, flags);
+    // Of a path that is too long nothing is left; the loader says that there is no such library.
+    if (device_path(host_path, sizeof(host_path), path) != 0)
+        return dlopen("/", flags);
+    return dlopen(host_path, flags);
 }

@@ -7,6 +7,14 @@
 
 #include "platform/device_root.h"
 
+void kernel_node_close(struct kernel_node *node) {
+    if (node->fd >= 0)
+        close(node->fd);
+    if (node->writer_fd >= 0)
+        close(node->writer_fd);
+    node->fd = node->writer_fd = -1;
+}
+
 struct kernel_node kernel_node_open(const char *path) {
     kernel_node node = {-1, -1, true};
     char host_path[PATH_MAX];
@@ -18,6 +26,8 @@ struct kernel_node kernel_node_open(const char *path) {
         return node;
     node.writer_fd = open(host_path, O_WRONLY | O_NONBLOCK | O_CLOEXEC);
     node.rewind = false;
+    if (node.writer_fd < 0)
+        kernel_node_close(&node);
     return node;
 }
 
@@ -36,12 +46,4 @@ void kernel_node_read(const struct kernel_node *node, char *report, size_t size)
     report[length < size ? length : size - 1] = '\0';
     if (node->rewind)
         lseek(node->fd, 0, SEEK_SET);
-}
-
-void kernel_node_close(struct kernel_node *node) {
-    if (node->fd >= 0)
-        close(node->fd);
-    if (node->writer_fd >= 0)
-        close(node->writer_fd);
-    node->fd = node->writer_fd = -1;
 }

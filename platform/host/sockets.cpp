@@ -2,6 +2,7 @@
 #include <errno.h>
 #include <string.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -10,6 +11,9 @@
 namespace {
 
 constexpr int default_backlog = 4;
+
+// A service whose queue is full keeps its client waiting this long.
+constexpr timeval connect_timeout = {1, 0};
 
 using attach_operation = int (*)(int fd, const sockaddr *address, socklen_t length);
 
@@ -26,6 +30,7 @@ int open_attached(const char *name, int namespace_id, int type, attach_operation
     const int fd = socket(AF_UNIX, type | SOCK_CLOEXEC, 0);
     if (fd < 0)
         return -1;
+    setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &connect_timeout, sizeof(connect_timeout));
     const socklen_t address_length =
         static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + length);
     if (attach(fd, reinterpret_cast<const sockaddr *>(&address), address_length) == 0)

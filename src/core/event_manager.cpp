@@ -22,14 +22,21 @@ struct event_slot {
 };
 
 constinit struct {
-    event_slot **slots = nullptr;                             // set once, before any other thread
+    // Published whole: the thermal engine's check thread runs before main creates the lists.
+    std::atomic<event_slot **> slots = nullptr;
     pthread_mutex_t append_lock = PTHREAD_MUTEX_INITIALIZER;  // orders appends to any list
 } events;
+
+event_slot *find_slot(uint32_t id) {
+    event_slot **slots = events.slots.load(std::memory_order_acquire);
+    return slots != nullptr ? slots[id] : nullptr;
+}
 
 }  // namespace
 
 int register_callback_for_event(uint32_t id, const char *name, event_callback callback) {
-    if (id >= event_count) {
+    event_slot *slot = id < event_count ? find_slot(id) : nullptr;
+    if (slot == nullptr) {
         log_error("There is no event for %d", static_cast<int>(id));
         return -EINVAL;
     }
@@ -40,7 +47,7 @@ int register_callback_for_event(uint32_t id, const char *name, event_callback ca
     }
 
     pthread_mutex_lock(&events.append_lock);
-    std::atomic<callback_node *> *link = &events.slots[id]->head;
+    std::atomic<callback_node *> *link = &slot->head;
     while (callback_node *tail = link->load(std::memory_order_relaxed))
         link = &tail->next;
     link->store(node, std::memory_order_release);
@@ -52,7 +59,10 @@ int register_callback_for_event(uint32_t id, const char *name, event_callback ca
 
 void notify_event(event_id id) {
     log_debug(debug_events, "EV : %d\n", static_cast<int>(id));
-    const callback_node *node = events.slots[id]->head.load(std::memory_order_acquire);
+    const event_slot *slot = find_slot(id);
+    if (slot == nullptr)
+        return;
+    const callback_node *node = slot->head.load(std::memory_order_acquire);
     for (; node != nullptr; node = node->next.load(std::memory_order_acquire)) {
         log_debug(debug_events, "Callback for %s action start", node->name);
         node->callback();
@@ -60,17 +70,17 @@ void notify_event(event_id id) {
 }
 
 int init_event_manager(void) {
-    events.slots = new (std::nothrow) event_slot *[event_count];
-    for (uint32_t id = 0; events.slots != nullptr && id < event_count; ++id) {
-        events.slots[id] = new (std::nothrow) event_slot{nullptr};
-        if (events.slots[id] == nullptr) {
-            log_error("Failed to allocate event state\n");
-            return -EINVAL;
-        }
+    static event_slot **slots = nullptr;  // kept where it is found, also when it stays incomplete
+    slots = new (std::nothrow) event_slot *[event_count] {};
+    bool complete = slots != nullptr;
+    for (uint32_t id = 0; complete && id < event_count; ++id) {
+        slots[id] = new (std::nothrow) event_slot{nullptr};
+        complete = slots[id] != nullptr;
     }
-    if (events.slots == nullptr) {
+    if (!complete) {
         log_error("Failed to allocate event state\n");
         return -EINVAL;
     }
+    events.slots.store(slots, std::memory_order_release);
     return 0;
 }

@@ -8,24 +8,7 @@
 
 #include <cstdint>
 
-enum automode_row : uint32_t {
-    automode_row_fps = 0,
-    automode_row_brightness = 1,
-    automode_row_freq = 2,
-};
-constexpr uint32_t automode_row_count = 3;
-
-// How a row's value is applied. Which types a row may have, automode.cpp says.
-struct automode_config {
-    uint32_t type;
-    char name[32];  // of a thermal configuration
-    int32_t on_value;
-    int32_t off_value;
-    uint32_t enabled;  // 0: the row is not used
-};
-
-// A row of a set's built-in table, or null where there is none.
-const automode_config *get_automode_configuration(uint32_t set, uint32_t row);
+#include "features/automode_table.h"
 
 enum automode_command : uint32_t {
     automode_all_off = 0,
@@ -45,7 +28,8 @@ int set_switched_automode(uint32_t command);
 // Timer action: ends what a touch has lifted.
 void resume_autogame_brightness_control(void);
 
-// Binds the kernel's automode node through the library. 0, or a nonzero value with log lines.
+// Binds the kernel's automode node through the library. 0; -EINVAL with log lines; else the
+// library's own answer.
 int init_automode_kernel_node(void);
 
 // The library's result, or -EINVAL while the node is not bound.

@@ -1,4 +1,4 @@
-#include "features/automode.h"
+#include "features/automode_table.h"
 
 namespace {
 

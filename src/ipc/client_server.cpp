@@ -69,7 +69,7 @@ int register_callback(const char *client, client_handler handler) {
     copy_text(added->name, client);
     std::atomic<client_record *> *link = &server.clients;
     while (const client_record *record = link->load(std::memory_order_relaxed)) {
-        if (strncmp(record->name, added->name, DVX_CLIENT_NAME_SIZE) == 0) {
+        if (strncmp(record->name, client, DVX_CLIENT_NAME_SIZE) == 0) {
             log_error("The callback of the client %s is registered already.", client);
             delete added;
             return -EINVAL;

@@ -9,8 +9,8 @@ struct gbm_message {
     int32_t type;
     char tag[20];
     union {
+        char package[256];  // the larger first: it is the one that `= {}` clears
         uint32_t command;
-        char package[256];
     };
 };
 static_assert(sizeof(gbm_message) == 280);

@@ -1,6 +1,7 @@
 #include "ipc/merlak_client.h"
 
 #include <errno.h>
+#include <unistd.h>
 
 #include "core/text.h"
 #include "ipc/outbound.h"
@@ -13,5 +14,7 @@ int request_to_merlak(uint32_t command, uint32_t value) {
     copy_text(message.sender, "merlak-client");
     message.command = command;
     message.value = value;
-    return outbound_send(fd, &message, sizeof(message)) < 1 ? -EINVAL : 0;
+    const long sent = outbound_send(fd, &message, sizeof(message));
+    close(fd);
+    return sent < 1 ? -EINVAL : 0;
 }

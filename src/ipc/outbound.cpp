@@ -2,7 +2,6 @@
 
 #include <cutils/sockets.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 int outbound_connect(const char *service) {
     return socket_local_client(service, ANDROID_SOCKET_NAMESPACE_ABSTRACT, SOCK_STREAM);
@@ -10,7 +9,5 @@ int outbound_connect(const char *service) {
 
 long outbound_send(int fd, const void *message, size_t size) {
     // A service that has gone answers with an error, not with a signal.
-    const ssize_t sent = send(fd, message, size, MSG_NOSIGNAL);
-    close(fd);
-    return sent;
+    return send(fd, message, size, MSG_NOSIGNAL);
 }

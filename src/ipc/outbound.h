@@ -8,5 +8,5 @@
 // Connects to a service of the abstract namespace. A descriptor, or -1 with errno set.
 int outbound_connect(const char *service);
 
-// Sends one message in one call and closes the connection. The count of bytes sent, or -1.
+// Sends one message in one call. The count of bytes sent, or -1. The caller closes.
 long outbound_send(int fd, const void *message, size_t size);

@@ -2,6 +2,7 @@
 
 #include <android/log.h>
 #include <errno.h>
+#include <unistd.h>
 
 #include "core/text.h"
 #include "ipc/outbound.h"
@@ -10,7 +11,9 @@ int request_to_powercontrol_hal(const powercontrol_message *message) {
     const int fd = outbound_connect(powercontrol_service);
     if (fd < 0)
         return -EINVAL;
-    return outbound_send(fd, message, sizeof(*message)) < 1 ? -EINVAL : 0;
+    const long sent = outbound_send(fd, message, sizeof(*message));
+    close(fd);
+    return sent < 1 ? -EINVAL : 0;
 }
 
 int notify_to_framework_max_brightness(int32_t first, int32_t second) {

@@ -108,7 +108,7 @@ TEST_F(Server, KeepsTheFirstRegistration) {
     EXPECT_EQ(register_callback("vrhal", serve_other), -22);
     EXPECT_EQ(errors_logged("The callback of the client vrhal is registered already."), 1);
     EXPECT_EQ(register_callback("a-name-of-more-than-19", serve_other), 0);
-    EXPECT_EQ(register_callback("a-name-of-more-than-1", serve), -22);
+    EXPECT_EQ(register_callback("a-name-of-more-than", serve), -22);
     fail_allocation_after(0);
     EXPECT_EQ(register_callback("dgpc", serve), -22);
     EXPECT_EQ(errors_logged("Failed to allocate memory\n"), 1);

@@ -22,7 +22,8 @@ struct pollfd kernel_node_poll(const struct kernel_node *node);
 // Whether what poll returned means a report.
 bool kernel_node_signalled(const struct kernel_node *node, short revents);
 
-// Reads one report of at most `size` - 1 bytes and terminates it; a failed read leaves it empty.
+// Reads one report of at most `size` bytes and terminates it, cut by a byte where it fills them; a
+// failed read leaves it empty.
 void kernel_node_read(const struct kernel_node *node, char *report, size_t size);
 
 void kernel_node_close(struct kernel_node *node);

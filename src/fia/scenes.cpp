@@ -172,12 +172,11 @@ fia_activity *fia_select_scene(void) {
 
 fia_activity *fia_store_scene(void) {
     fia_activity *entry = fia_current_entry();
-    if (entry->scene_cnt >= fia_scene_limit)
-        remove_oldest_scene(entry);
-
     fia_activity *scene = create_scene();
     if (scene == nullptr)
         return nullptr;
+    if (entry->scene_cnt >= fia_scene_limit)
+        remove_oldest_scene(entry);
     fia_pilot_copy(scene, entry);
     scene->idx = 1;
     fia_activity *tail = entry;

@@ -191,9 +191,13 @@ TEST_F(Daemon, ServesWhatIsLeftOfADevice) {
     fs::remove_all(device.root + "/properties");
     pid = device_start_daemon(device.root, built("bin/dvxd"));
     ASSERT_EQ(device_wait_until_started(device.root, pid, patience_ms), device_started) << log();
-    for (const char *line : {"Failed to init fps manager..", "Failed to init ie manager..",
-                             "No handle to support thermal", "Failed to get handle for fia"})
+    for (const char *line :
+         {"E Quorvel : Failed to init fps manager..", "E Quorvel : Failed to init ie manager..",
+          "E Quorvel : No handle to support thermal", "E Quorvel : Failed to get handle for fia",
+          "E Quorvel : Failed to get qcopt handle.", "I Quorvel : No support osprin control"})
         EXPECT_EQ(count_in_log(line), 1) << line;
+    EXPECT_LT(log().find("Failed to get qcopt handle."),
+              log().find("This device doesn't support thermal engine"));
     tell("powerhal", DVX_CODE_BROWSER, {1});
     tell("dgpc", DVX_CODE_FPS, {30});
     EXPECT_TRUE(wait_for_log("No such requestor [0]"));
@@ -265,6 +269,24 @@ INSTANTIATE_TEST_SUITE_P(
         FailedStart{"thread 5",
                     {"E Quorvel : Error initializing Policy Manager Thread",
                      "E Quorvel : Failed to init policy manager..."}}));
+
+// In real time: the thermal engine is there after its twelve polls, and timers end what they
+// should.
+TEST_F(Daemon, TimersAndThermalEngineKeepTheirTime) {
+    device_set_property(&device, "debug.dvxd_log.enable", "1");
+    start();
+    tell("powerhal", DVX_CODE_GAME, {0, 1, 60, 0});
+    tell("automode", DVX_CODE_ANY, {1});
+    EXPECT_TRUE(wait_for_call("request_fps 20"));
+    tell("tmr", DVX_CODE_TIMED_MITIGATION, {700});
+    tell("powerhal", DVX_CODE_INTERACTION, {});
+    EXPECT_TRUE(wait_for_call("request_tmr_2cluster 4294967295 4294967295"));
+    EXPECT_TRUE(wait_for_call("request_fps 20"));
+    EXPECT_TRUE(wait_for_log("EV : 70"));
+    tell("powerhal", DVX_CODE_ENCODE, {1});
+    EXPECT_TRUE(wait_for_call("enable_thermal_config TCONF_CAMERA 1"));
+    EXPECT_EQ(count_in_log("Sanitizer"), 0) << log();
+}
 
 // Everything at once, for the sanitizers to watch.
 TEST_F(Daemon, StaysWholeWithEveryThreadBusy) {

@@ -93,16 +93,14 @@ TEST_F(Clocks, BudgetRefusesAndTheCursorStays) {
     EXPECT_EQ(now(), (levels{4, 0, 0}));
 }
 
-TEST_F(Clocks, AllAtTheirLimitIsNoFailure) {
+TEST_F(Clocks, ExhaustedResourceIsPassedOver) {
     start();
     EXPECT_EQ(set({0, 3, 2}), 0);
     EXPECT_EQ(fia_clock_scale_freq(-3), 0);
     EXPECT_EQ(now(), (levels{3, 3, 2}));
-    // A fourth would break the budget, so the levels at which nothing moves are never all reached;
-    // with the CPU clusters at rest only the GPU can be exhausted.
-    EXPECT_EQ(set({0, 0, 2}), 0);
-    EXPECT_EQ(fia_clock_scale_freq(-2), 0);
-    EXPECT_EQ(now(), (levels{1, 1, 2}));
+    EXPECT_EQ(set({0, 0, 2}), 0);  // starts the rotation anew
+    EXPECT_EQ(fia_clock_scale_freq(-1), 0);
+    EXPECT_EQ(now(), (levels{0, 1, 2}));
 }
 
 TEST_F(Clocks, RefuseWhatDoesNotExist) {

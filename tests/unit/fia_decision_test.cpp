@@ -93,6 +93,55 @@ TEST_F(Decision, SteadyGameIsMeasuredOnceAndLoweredReportByReport) {
     EXPECT_EQ(infos_logged("100% (301/301) H"), 10);
 }
 
+TEST_F(Decision, ProfileOfTwoRatesIsSettledToTheLetter) {
+    enter("two rates");
+    for (int i = 0; i < 901; ++i)
+        notify_fia_interval_changed(i < 450   ? 16700 + i % 3 * 100
+                                    : i < 890 ? 25000 - i % 2 * 60
+                                              : 60000);
+    const char *lines[] = {"|   60  |     1   |  450  |       50  |     1763  |\n",
+                           "|   54  |     0   |    1  |        0  |   126125  |\n",
+                           "|   48  |     0   |    1  |        0  |   164853  |\n",
+                           "|   45  |     0   |    1  |        0  |   122418  |\n",
+                           "|   42  |     1   |  437  |        9  |        9  |\n",
+                           "|   30  |     0   |    1  |        0  |  2302134  |\n",
+                           "|   24  |     0   |    1  |        0  |  3072005  |\n",
+                           "|   21  |     0   |    1  |        0  |  2309880  |\n",
+                           "|   18  |     0   |    7  |        0  |        0  |\n",
+                           "vmax=3072005, vmin=0, mmax=2380, mmin=1666, v_thresh=433412",
+                           "H=98 MSI=0"};
+    for (const char *line : lines)
+        EXPECT_EQ(infos_logged(line), 1) << line;
+    EXPECT_EQ(fia.data->cur->target_fps, 59);
+}
+
+TEST_F(Decision, AveragesCoverFivePeriodsOfSixty) {
+    start_active();
+    EXPECT_EQ(fia.data->cur->m_active, 1666u);
+    EXPECT_EQ(fia.data->cur->v_active, 2u);
+    play(59, 16800);
+    EXPECT_EQ(fia.data->cur->m_active, 1666u);
+    play(1, 16800);
+    EXPECT_EQ(fia.data->cur->m_active, (4 * 1666u + 1680u) / 5);
+    EXPECT_EQ(fia.data->cur->v_active, 4 * 2u / 5);
+    play(60, 16800);
+    EXPECT_EQ(fia.data->cur->m_active, (3 * 1666u + 2 * 1680u) / 5);
+}
+
+TEST_F(Decision, ThresholdsFollowTheMeasuredProfileOfTheActivity) {
+    start_active();
+    fia_current_entry()->pilot->h = 80;  // the scene in use has 100
+    play(report_length, steady);
+    EXPECT_EQ(fia.data->hold_thresh, 68);
+    EXPECT_EQ(fia.data->low_thresh, 72);
+    EXPECT_EQ(fia.data->cur->jank_thresh, 10);
+    fia_current_entry()->pilot->h = 110;
+    play(report_length, steady);
+    EXPECT_EQ(fia.data->hold_thresh, 93);
+    EXPECT_EQ(fia.data->cur->jank_thresh, 5);  // 3, but never less than 5
+    EXPECT_EQ(fia.data->low_cnt, 0);
+}
+
 TEST_F(Decision, IntervalsWithoutABucketAreLeftOut) {
     enter("game");
     play(400, steady);
@@ -170,7 +219,22 @@ TEST_F(Decision, JankRaisesOnceAPeriodAndOnlyLoweredCaps) {
     EXPECT_EQ(device_calls(&device), calls{});
     EXPECT_EQ(fia.data->cur->jank, 0);
 
+    play(report_length - 30, steady);
+    EXPECT_EQ(infos_logged("4% (13/301) Jank!"), 1);
+    play(report_length, steady);
+    EXPECT_EQ(infos_logged("0% (0/301) Jank!"), 1 + 3);
+
+    // A mean of 0 is no jank, whatever the profile says of its variance.
+    fia.data->cur->pilot->elems[0].v_lower = 1;
+    play(4, 0);
+    const int janks = fia.data->cur->jank;
+    play(2, 0);
+    EXPECT_EQ(fia.data->cur->jank, janks);
+    fia.data->cur->pilot->elems[0].v_lower = 0;
+    play(60, steady);
+
     fia_clock_clear_freq();
+    fia.data->cur->jank = 0;
     device_calls(&device);
     for (int i = 0; i < 3; ++i) {
         play(1, 21000);
@@ -195,6 +259,12 @@ TEST_F(Decision, FrameRateFarBelowTheUsualRaisesAfterFiveFrames) {
     EXPECT_EQ(count_logged_like("FT: "), 1);
     play(1, 40000);
     EXPECT_EQ(infos_logged("FT: 48 F: 25"), 1);
+    EXPECT_EQ(fia.data->fps, 59u);  // measured anew from the usual rate
+    // A game of 30 frames per second has a target of its own.
+    enter("slower");
+    measure(33400);
+    play(8, 50000);
+    EXPECT_EQ(count_logged_like("FT: 24 F: "), 1);
 }
 
 TEST_F(Decision, ThirdReportInARowBelowTheLowThresholdMeasuresAgain) {
@@ -207,12 +277,23 @@ TEST_F(Decision, ThirdReportInARowBelowTheLowThresholdMeasuresAgain) {
         for (int i = 0; i < report_length; ++i)
             notify_fia_interval_changed(i % 8 == 0 ? 17500 : steady);
     };
+    const fia_activity *in_use = fia.data->cur;
+    shaky_report();
+    shaky_report();
+    EXPECT_EQ(fia.data->low_cnt, 2);
+    play(report_length, steady);  // a good one in between starts the count anew
+    EXPECT_EQ(fia.data->low_cnt, 0);
+    EXPECT_EQ(fia.data->below_cnt, 0);
     shaky_report();
     shaky_report();
     EXPECT_EQ(infos_logged("SC2! PM Start"), 0);
-    EXPECT_EQ(fia.data->low_cnt, 2);
+    EXPECT_EQ(fia.data->below_cnt, 2);
+    ASSERT_EQ(fia_clock_set_freq(3, levels{2, 2, 2}.data()), 0);
+    fia.data->cur->jank_thresh = 1000;  // janks are another test's
     shaky_report();
     EXPECT_EQ(infos_logged("SC2! PM Start"), 1);
+    // The scene remembers what it had reached, one step up.
+    EXPECT_EQ(levels(in_use->rsc_idx, in_use->rsc_idx + 3), (levels{1, 2, 2}));
     EXPECT_EQ(fia.data->mode, fia_mode_pm);
     EXPECT_EQ(fia.data->restarted, 1u);
     EXPECT_EQ(fia.data->cur, fia_current_entry());

@@ -14,13 +14,14 @@ namespace {
 struct Lifecycle : Analyser {};
 
 TEST_F(Lifecycle, WaitsForAGame) {
+    set_current_window_name("game");
     play(3, 16700);
     EXPECT_EQ(fia.data->mode, fia_mode_suspended);
     EXPECT_EQ(fia.data->frame_cnt, 3);
     notify_event(EV_SCREEN_ON);
     notify_event(EV_VR_OFF);
     EXPECT_TRUE(logged_messages().empty());
-    enter("game");
+    notify_event(EV_MODE_GAME_DEFAULT);
     EXPECT_EQ(infos_logged("FIA lock2 unlocked"), 1);
     EXPECT_EQ(infos_logged("Escaping Suspend mode..."), 1);
     EXPECT_EQ(device_calls(&device),

@@ -48,6 +48,24 @@ TEST_F(Scenes, KnownSceneResumesWithItsLevels) {
     EXPECT_EQ(scene(1)->sm_rate, 100u);
 }
 
+TEST_F(Scenes, PoorMatchIsNoneAndEachCheckCountsAnew) {
+    enter("game");
+    measure(steady);
+    leave();
+    enter("game");
+    fia.data->pm_retry = 7;
+    play(100, 33400);
+    play(200, steady);  // two thirds fit: less than the profile's 85
+    EXPECT_EQ(scene(1)->sm_rate, 65u);
+    EXPECT_EQ(fia.data->mode, fia_mode_pm);
+    play(300, steady);
+    EXPECT_EQ(infos_logged("SM at idx:1 Start AM"), 1);
+    EXPECT_EQ(scene(1)->sm_rate, 100u);
+    leave();
+    enter("game");
+    EXPECT_EQ(fia.data->pm_retry, 0);
+}
+
 TEST_F(Scenes, BestMatchWinsAndTheFirstOfEquals) {
     enter("game");
     store(steady);

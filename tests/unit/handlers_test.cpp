@@ -7,6 +7,10 @@
 #include "context/app_context.h"
 #include "core/debug_gate.h"
 #include "core/event_manager.h"
+#include "core/timer.h"
+#include "features/automode.h"
+#include "features/low_power_mode.h"
+#include "features/timed_mitigation.h"
 #include "resource/fps_manager.h"
 #include "resource/game_tuner.h"
 #include "tests/support/log_sink.h"
@@ -97,6 +101,27 @@ TEST_F(Handlers, GameStateGoesThroughTheTuner) {
     EXPECT_EQ(infos_logged("ofvalue : 3"), 1);
 }
 
+TEST_F(Handlers, RequestsReachTheirFeatures) {
+    activate_tmr_2cluster(3, 4);
+    other(handler_tmr_callback, 17, -1);  // released at the next scan: the sign is kept
+    check_expired_work();
+    EXPECT_EQ(device_calls(&device),
+              (calls{"request_tmr_2cluster 3 4", "request_tmr_2cluster 4294967295 4294967295"}));
+    other(handler_automode_callback, 99, -7);
+    EXPECT_EQ(infos_logged("automode -7"), 1);
+    init_automode();
+    other(handler_automode_callback, 0, 5);
+    EXPECT_EQ(errors_logged("Abnormal cmd"), 1);
+
+    init_lpm_config();
+    fps_manager_set_grant(7, 1);
+    device_calls(&device);
+    const int32_t extreme[64] = {1, 2, 9};
+    handler_lpm_callback(-1, extreme);
+    EXPECT_EQ(get_lpm_mode(), 2);
+    EXPECT_EQ(device_calls(&device), calls{"request_fps 30"});
+}
+
 TEST_F(Handlers, WindowIsNewsOnlyOnce) {
     debug_gate_set(true, 1 << 5);
     EXPECT_EQ(powerhal_text(4, ""), ids{});
@@ -120,10 +145,12 @@ TEST_F(Handlers, CurrentAppIsTheFirstPart) {
                  {"com.c", "com.c"},
                  {"", ""},
                  {"///", "///"}};
+    debug_gate_set(true, 1 << 5);
     for (const auto &row : cases) {
         EXPECT_EQ(powerhal_text(5, row.text), ids{10}) << row.text;
         EXPECT_STREQ(get_current_activity_name(), row.app);
     }
+    EXPECT_EQ(infos_logged("CA : com.a"), 2);
     powerhal_text(5, std::string(256, 'x'));
     EXPECT_EQ(get_current_activity_name(), std::string(255, 'x'));
 }

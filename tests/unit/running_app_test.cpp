@@ -86,8 +86,9 @@ TEST_F(RunningApp, HomeWithAndWithoutLiveWallpaper) {
     EXPECT_EQ(report({26}), (ids{54, 56}));
     EXPECT_EQ(report({9}), (ids{54, 56}));
     EXPECT_EQ(report({27}), (ids{55, 57, 42}));
-    for (const char *settings : {"com.android.settings.X", "a.WallpaperListActivity",
-                                 "livepicker.LiveWallpaperActivity"}) {
+    for (const char *settings :
+         {"com.android.settings.X", "HomeSettingsPrefActivity", "a.WallpaperListActivity",
+          "livepicker.LiveWallpaperActivity", "wallpaperpicker.WallpaperChooserActivity"}) {
         set_home_activity_name("com.example.home");
         report({8, 26});
         set_home_activity_name(settings);

@@ -130,6 +130,7 @@ TEST_F(Thermal, ConfigurationsFollowCameraGameAndMap) {
         {EV_3RD_ENCODE_END, {"TCONF_3CAMERA 0"}},
         {EV_MODE_GAME_TUNER, {"TCONF_GAME 1", "KRYO_SS_LOW_RESERVED 1"}},
         {EV_MODE_GAME_TUNER_EXIT, {"TCONF_COMPACT 0", "TCONF_GAME 0", "KRYO_SS_LOW_RESERVED 0"}},
+        {EV_MODE_GAME_DEFAULT_EXIT, {"TCONF_COMPACT 0", "TCONF_GAME 0", "KRYO_SS_LOW_RESERVED 0"}},
         {EV_MODE_GEO, {"TCONF_GEO 1"}},
         {EV_MODE_GEO_EXIT, {"TCONF_GEO 0"}},
     };
@@ -140,7 +141,10 @@ TEST_F(Thermal, ConfigurationsFollowCameraGameAndMap) {
     for (const char *compact : {"true", "t", "True", "1"}) {
         device_set_property(&device, "sys.zuv.compactmode.enabled", compact);
         notify_event(EV_MODE_GAME_DEFAULT);
-        EXPECT_EQ(switches().front(), compact[0] == 't' ? "TCONF_COMPACT 1" : "TCONF_GAME 1");
+        calls expected = {"TCONF_COMPACT 1", "TCONF_GAME 1", "KRYO_SS_LOW_RESERVED 1"};
+        if (compact[0] != 't')
+            expected.erase(expected.begin());
+        EXPECT_EQ(switches(), expected);
     }
 }
 
@@ -201,6 +205,8 @@ TEST(CustomConfig, SaysWhatIsMissing) {
 TEST_F(Thermal, MitigationIsRequestedOnceAndReleasedLast) {
     EXPECT_EQ(request_timed_tmr(100), -22);
     EXPECT_EQ(infos_logged("TMR is not activated."), 1);
+    cb_tmr_release();
+    EXPECT_EQ(device_calls(&device), calls{"request_tmr_single_cluster 4294967295"});
     start_engine();
     init_ts();
     device_calls(&device);

@@ -63,7 +63,8 @@ std::string check_replaceable(const fs::path &root) {
 }
 
 bool create_node(const std::string &path) {
-    fs::create_directories(fs::path(path).parent_path());
+    std::error_code error;
+    fs::create_directories(fs::path(path).parent_path(), error);
     return mkfifo(path.c_str(), 0644) == 0;
 }
 
@@ -87,6 +88,7 @@ int start_program(const std::string &root, const std::vector<std::string> &words
     if (fd < 0)
         return -errno;
     std::vector<char *> arguments;
+    arguments.reserve(words.size() + 1);
     for (const std::string &word : words)
         arguments.push_back(const_cast<char *>(word.c_str()));
     arguments.push_back(nullptr);
@@ -124,7 +126,7 @@ std::string device_image_path(void) {
 }
 
 std::string device_create(const std::string &root, const std::string &image) {
-    const std::string refusal = check_replaceable(root);
+    std::string refusal = check_replaceable(root);
     if (!refusal.empty())
         return refusal;
     if (device_daemon_process(root) != 0)

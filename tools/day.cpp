@@ -73,7 +73,7 @@ void show_app(day *today, const char *package, const char *activity) {
 std::vector<int64_t> steady_frames(size_t count) {
     std::vector<int64_t> frames(count);
     for (size_t i = 0; i < count; ++i)
-        frames[i] = 16700 + static_cast<int64_t>(i * 37 % 11) * 20;
+        frames[i] = 16700 + static_cast<int64_t>(i * 37 % 11 * 20);
     return frames;
 }
 

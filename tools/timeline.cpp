@@ -94,7 +94,8 @@ void read_changes(timeline *line, std::vector<timeline_entry> *entries) {
     for (const auto &[name, value] : now) {
         const auto before = line->properties.find(name);
         if (before == line->properties.end() || before->second != value)
-            entries->push_back({wall_clock_ms(), timeline_property, name + " " + value});
+            entries->push_back(
+                {wall_clock_ms(), timeline_property, std::string(name).append(" ").append(value)});
     }
     line->properties = std::move(now);
 }

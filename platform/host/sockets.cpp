@@ -17,6 +17,12 @@ constexpr timeval connect_timeout = {1, 0};
 
 using attach_operation = int (*)(int fd, const sockaddr *address, socklen_t length);
 
+void close_keeping_errno(int fd) {
+    const int saved_errno = errno;
+    close(fd);
+    errno = saved_errno;
+}
+
 // A socket attached by bind or connect to the abstract address "\0NAME", without a NUL behind it.
 int open_attached(const char *name, int namespace_id, int type, attach_operation attach) {
     sockaddr_un address = {};
@@ -30,14 +36,13 @@ int open_attached(const char *name, int namespace_id, int type, attach_operation
     const int fd = socket(AF_UNIX, type | SOCK_CLOEXEC, 0);
     if (fd < 0)
         return -1;
-    setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &connect_timeout, sizeof(connect_timeout));
+    if (attach == connect)
+        setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &connect_timeout, sizeof(connect_timeout));
     const socklen_t address_length =
         static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + length);
     if (attach(fd, reinterpret_cast<const sockaddr *>(&address), address_length) == 0)
         return fd;
-    const int saved_errno = errno;
-    close(fd);
-    errno = saved_errno;
+    close_keeping_errno(fd);
     return -1;
 }
 
@@ -45,11 +50,10 @@ int open_attached(const char *name, int namespace_id, int type, attach_operation
 
 extern "C" int socket_local_server(const char *name, int namespace_id, int type) {
     const int fd = open_attached(name, namespace_id, type, bind);
-    if (fd >= 0 && type == SOCK_STREAM && listen(fd, default_backlog) != 0) {
-        close(fd);
-        return -1;
-    }
-    return fd;
+    if (fd < 0 || type != SOCK_STREAM || listen(fd, default_backlog) == 0)
+        return fd;
+    close_keeping_errno(fd);
+    return -1;
 }
 
 extern "C" int socket_local_client(const char *name, int namespace_id, int type) {

@@ -30,18 +30,18 @@ constinit struct {
     bool initialised = false;
 } timers;
 
+// Once, whoever asks first; another time when there was no thread to be had. The slots start empty.
 bool start_timer_thread() {
-    if (timers.initialised)
-        return true;
-    for (timer_entry *&entry : timers.slots)
-        entry = nullptr;
-    if (thread_start("timer", do_timer) != 0) {
+    pthread_mutex_lock(&timers.lock);
+    if (!timers.initialised)
+        timers.initialised = thread_start("timer", do_timer) == 0;
+    const bool running = timers.initialised;
+    pthread_mutex_unlock(&timers.lock);
+    if (!running) {
         log_error("Error initializing internal timer thread\n");
         log_error("Failed to initialize internal timer");
-        return false;
     }
-    timers.initialised = true;
-    return true;
+    return running;
 }
 
 int arm_empty_slot(uint32_t slot, int64_t now, int64_t end, timer_callback callback) {
@@ -86,26 +86,26 @@ int add_timer_event(uint32_t slot, int64_t duration_ms, timer_callback callback)
     log_debug(debug_features, "Timer %d Requested for %" PRId64 " ms at %" PRId64 " ms",
               static_cast<int>(slot), duration_ms, now);
 
-    pthread_mutex_lock(&timers.lock);
-    int result = -EINVAL;
-    if (start_timer_thread()) {
-        int64_t end;
-        if (__builtin_add_overflow(now, duration_ms, &end))
-            end = duration_ms > 0 ? INT64_MAX : INT64_MIN;
-        if (slot >= timer_slot_count)
-            log_error("Unknown timer request %d", static_cast<int>(slot));
-        else if (timers.slots[slot] == nullptr)
-            result = arm_empty_slot(slot, now, end, callback);
-        else
-            result = extend_armed_slot(slot, end, callback);
+    if (!start_timer_thread())
+        return -EINVAL;
+    if (slot >= timer_slot_count) {
+        log_error("Unknown timer request %d", static_cast<int>(slot));
+        return -EINVAL;
     }
+    int64_t end;
+    if (__builtin_add_overflow(now, duration_ms, &end))
+        end = duration_ms > 0 ? INT64_MAX : INT64_MIN;
+
+    pthread_mutex_lock(&timers.lock);
+    const int result = timers.slots[slot] == nullptr ? arm_empty_slot(slot, now, end, callback)
+                                                     : extend_armed_slot(slot, end, callback);
     pthread_mutex_unlock(&timers.lock);
     return result;
 }
 
 int check_expired_work(void) {
-    pthread_mutex_lock(&timers.lock);
     const int64_t now = get_current_monotonic_ms();
+    pthread_mutex_lock(&timers.lock);
     const bool backwards = now < timers.last_check_ms;
     if (backwards)
         log_info("Overflow release all");

@@ -1,7 +1,9 @@
 // The real daemon on a virtual device, in a network namespace of its own.
 #include <dirent.h>
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -43,6 +45,7 @@ struct Daemon : testing::Test {
         ASSERT_EQ(device_wait_until_started(device.root, pid, patience_ms), device_started)
             << log();
         wait_for_log("FIA Thread Started.");
+        EXPECT_EQ(count_in_log("E Quorvel : Halvane Start Successfully."), 1);
     }
 
     // The exit status of a daemon that does not get up.
@@ -116,6 +119,13 @@ TEST_F(Daemon, TunedGameGetsItsFrameRate) {
     tell("dgpc", DVX_CODE_FPS, {30});  // not granted while a game is tuned
     tell("powerhal", DVX_CODE_GAME, {1, 0, 45, 0});
     EXPECT_TRUE(wait_for_call("request_fps 30"));
+}
+
+TEST_F(Daemon, RunsAtTheHighestPriority) {
+    if (setpriority(PRIO_PROCESS, 0, -1) != 0)
+        GTEST_SKIP() << "this user may not raise a priority";
+    start();
+    EXPECT_EQ(getpriority(PRIO_PROCESS, static_cast<id_t>(pid)), -20);
 }
 
 TEST_F(Daemon, DebugLinesFollowTheirPropertiesAtScreenOff) {
@@ -269,6 +279,65 @@ INSTANTIATE_TEST_SUITE_P(
         FailedStart{"thread 5",
                     {"E Quorvel : Error initializing Policy Manager Thread",
                      "E Quorvel : Failed to init policy manager..."}}));
+
+struct OptionalSteps : Daemon, testing::WithParamInterface<FailedStart> {};
+
+TEST_P(OptionalSteps, CostTheirLinesAndNoMore) {
+    setenv("DVX_FAULT", GetParam().fault, 1);
+    setenv("LD_PRELOAD", built("tests/libfault_library.so").c_str(), 1);
+    setenv("ASAN_OPTIONS", "verify_asan_link_order=0:alloc_dealloc_mismatch=0", 1);
+    pid = device_start_daemon(device.root, built("bin/dvxd"));
+    unsetenv("LD_PRELOAD");
+    ASSERT_EQ(device_wait_until_started(device.root, pid, patience_ms), device_started) << log();
+    for (const char *line : GetParam().lines)
+        EXPECT_EQ(count_in_log(std::string(line) + "\n"), 1) << line << "\n" << log();
+    tell("dgpc", DVX_CODE_FPS, {30});
+    EXPECT_TRUE(wait_for_call("request_fps 30"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Start, OptionalSteps,
+    testing::Values(FailedStart{"thread 1",
+                                {"E Quorvel : Error to initialzed sync notify thread.",
+                                 "I Quorvel : AM0 Enabled"}},
+                    FailedStart{"thread 2",
+                                {"E Quorvel : Error initializing FIA thread",
+                                 "E Quorvel : Halvane Start Successfully."}},
+                    FailedStart{
+                        "alloc 536",
+                        {"E Quorvel : Memory allocation failed for activity trigger configuration.",
+                         "I Quorvel : No Supporting AT"}}));
+
+// On attributes that signal as a phone's do: the host's two names, in a namespace of their own.
+TEST_F(Daemon, IsDrivenByRealPollAttributes) {
+    if (unshare(geteuid() == 0 ? CLONE_NEWUTS : CLONE_NEWUSER | CLONE_NEWUTS) != 0)
+        GTEST_SKIP() << "skipped: no host-name namespace of one's own here";
+    const std::pair<const char *, const char *> links[] = {
+        {device_panel_node, "/proc/sys/kernel/domainname"},
+        {device_interval_node, "/proc/sys/kernel/hostname"}};
+    for (const auto &[node, attribute] : links) {
+        fs::remove(device.root + node);
+        fs::create_symlink(attribute, device.root + node);
+        if (access(attribute, W_OK) != 0)
+            GTEST_SKIP() << "skipped: the host's names cannot be written here";
+    }
+    start();
+    const auto set = [](const char *attribute, const char *value) {
+        std::ofstream(attribute) << value << std::flush;
+    };
+    set(links[0].second, "panel_power_on = 0");
+    EXPECT_TRUE(wait_for_call("request_fbcn_en 0"));
+    set(links[0].second, "panel_power_on = 1");
+    EXPECT_TRUE(wait_for_call("request_fbcn_en 1"));
+    tell("powerhal", DVX_CODE_GAME, {0, 1, 60, 0});
+    // Reports that come before the daemon has read the last one are one to it.
+    for (int i = 0; i < 20000 && count_in_log("PM Complete!") == 0; i += 100)
+        for (int k = 0; k < 100; ++k) {
+            set(links[1].second, "16700");
+            usleep(200);
+        }
+    EXPECT_EQ(count_in_log("PM Complete!"), 1) << log();
+}
 
 // In real time: the thermal engine is there after its twelve polls, and timers end what they
 // should.

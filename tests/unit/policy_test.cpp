@@ -7,6 +7,7 @@
 #include <atomic>
 #include <thread>
 
+#include "core/debug_gate.h"
 #include "core/event_manager.h"
 #include "resource/acceptor.h"
 #include "tests/support/log_sink.h"
@@ -14,6 +15,7 @@
 namespace {
 
 std::atomic<int> handlers_run = 0;
+std::atomic<int> last_state = -1;
 std::atomic<int> running = 0;
 std::atomic<int> overlaps = 0;
 std::string grants;
@@ -26,6 +28,7 @@ int note_grant(int32_t requestor, int32_t grant) {
 template <event_id id>
 void on_state() {
     overlaps += running.exchange(1);
+    last_state = id;
     usleep(200);
     running = 0;
     ++handlers_run;
@@ -75,9 +78,21 @@ TEST_F(Policy, EachModeHasItsStateAndEachStateItsGrants) {
         wait_for_handlers(expected);
         EXPECT_EQ(grants, row.grants) << row.mode;
         if (row.state >= 0) {
+            EXPECT_EQ(last_state, 60 + row.state);
             EXPECT_EQ(change_state(row.state), 0);
         }
     }
+}
+
+TEST_F(Policy, NamesItsStatesUnderTheirBit) {
+    debug_gate_set(true, 254);
+    change_state(state_game_tuner);
+    wait_for_handlers(2);
+    EXPECT_EQ(count_logged_like("PM : "), 0);
+    debug_gate_set(true, 1);
+    change_state(state_graphic_tune);
+    wait_for_handlers(3);
+    EXPECT_EQ(infos_logged("PM : graphic_tune"), 1);
 }
 
 TEST_F(Policy, EveryAcceptedHandOverRunsOnceAndAlone) {

@@ -37,7 +37,19 @@ client_handler find_handler(const char *client) {
     return record != nullptr ? record->handler : nullptr;
 }
 
-void dispatch(const dvx_message *message) {
+void receive_message(int fd) {
+    dvx_message message = {};
+    setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &receive_timeout, sizeof(receive_timeout));
+    const ssize_t count = recv(fd, &message, sizeof(message), 0);
+    if (count <= 0)
+        log_error("%s recv failed\n", "recv_data_from_client");
+    else if (count == static_cast<ssize_t>(sizeof(message)))
+        dispatch_message(&message);
+}
+
+}  // namespace
+
+void dispatch_message(const dvx_message *message) {
     const client_handler handler = find_handler(message->client);
     if (handler != nullptr) {
         handler(message->code, &message->payload);
@@ -47,18 +59,6 @@ void dispatch(const dvx_message *message) {
     copy_text(name, message->client);
     log_error("Current Device doesn't support %s handlers.", name);
 }
-
-void receive_message(int fd) {
-    dvx_message message = {};
-    setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &receive_timeout, sizeof(receive_timeout));
-    const ssize_t count = recv(fd, &message, sizeof(message), 0);
-    if (count <= 0)
-        log_error("%s recv failed\n", "recv_data_from_client");
-    else if (count == static_cast<ssize_t>(sizeof(message)))
-        dispatch(&message);
-}
-
-}  // namespace
 
 int register_callback(const char *client, client_handler handler) {
     client_record *added = new (std::nothrow) client_record{{}, handler, nullptr};

@@ -21,6 +21,9 @@ int server_init(void);
 // characters) is taken or memory runs out. Start-up only.
 int register_callback(const char *client, client_handler handler);
 
+// Runs the handler registered for the message's client, or says that there is none.
+void dispatch_message(const struct dvx_message *message);
+
 // Accepts one connection, receives and dispatches its message and closes it; the step of the
 // listener thread.
 void serve_client(int listening_fd);

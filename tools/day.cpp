@@ -106,8 +106,9 @@ void measure(day *today) {
     play_frames(today->line.root, steady_frames(903), play_speed);
 }
 
+// Five reports of 301 intervals.
 void lower(day *today) {
-    play_frames(today->line.root, steady_frames(5 * 301), play_speed);
+    play_frames(today->line.root, steady_frames(1505), play_speed);
 }
 
 void struggle(day *today) {

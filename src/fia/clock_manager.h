@@ -2,8 +2,8 @@
 // rotation, within a budget for the CPU clusters together.
 //
 // Start-up (main) builds the list; afterwards the frame interval analyser alone calls, with
-// `fia_mutex` held once its records are published. Nothing is locked here. Arrays of levels are in list order: TMK_CLUSTER1,
-// TMK_CLUSTER0, TMK_GPU.
+// `fia_mutex` held once its records are published. Nothing is locked here. Arrays of levels are in
+// list order: TMK_CLUSTER1, TMK_CLUSTER0, TMK_GPU.
 #pragma once
 
 #include <cstdint>

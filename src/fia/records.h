@@ -3,9 +3,8 @@
 //
 // The analyser's thread builds them once; scenes are added and removed later. After `enabled` has
 // been set (release) and seen (acquire), everything here is guarded by `fia_mutex`, which is taken
-// after `fia_lock_mutex`; under it the clock manager and the library are called and the app-context lock
-// is taken.
-// Intervals are in units of 10 microseconds, variances in the square of that unit.
+// after `fia_lock_mutex`; under it the clock manager and the library are called and the app-context
+// lock is taken. Intervals are in units of 10 microseconds, variances in the square of that unit.
 #pragma once
 
 #include <pthread.h>

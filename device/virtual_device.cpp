@@ -16,6 +16,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 namespace fs = std::filesystem;
 
@@ -103,7 +104,7 @@ int start_program(const std::string &root, const std::vector<std::string> &words
         dup2(null_fd, STDOUT_FILENO);
         dup2(fd, STDERR_FILENO);
         setenv("DVXD_ROOT", root.c_str(), 1);
-        execv(arguments[0], arguments.data());
+        execvp(arguments[0], arguments.data());
         dprintf(STDERR_FILENO, "cannot run %s\n", arguments[0]);
         _exit(127);
     }
@@ -194,7 +195,14 @@ int device_report_interval(int node_fd, int64_t interval_us) {
 }
 
 int device_start_daemon(const std::string &root, const std::string &daemon, bool die_with_me) {
-    return start_program(root, {daemon}, device_daemon_log, device_daemon_pid, die_with_me);
+    // A daemon for another processor runs under the emulator that DVX_EMULATOR names.
+    std::vector<std::string> words;
+    const char *emulator = getenv("DVX_EMULATOR");
+    std::istringstream parts(emulator != nullptr ? emulator : "");
+    for (std::string word; parts >> word;)
+        words.push_back(word);
+    words.push_back(daemon);
+    return start_program(root, words, device_daemon_log, device_daemon_pid, die_with_me);
 }
 
 int device_start_services(const std::string &root, bool die_with_me) {

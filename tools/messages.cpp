@@ -66,7 +66,7 @@ int send_message(const dvx_message &message, bool is_text, const std::string &ro
         std::string line =
             std::to_string(clock_monotonic_ns()) + " " + describe_message(message, is_text);
         std::replace_if(
-            line.begin(), line.end(), [](char c) { return c >= 0 && c < ' '; }, '?');
+            line.begin(), line.end(), [](unsigned char c) { return c < ' '; }, '?');
         line += '\n';
         const std::string path = root + device_messages_log;
         const int fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);

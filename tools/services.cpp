@@ -86,7 +86,7 @@ std::string receive_words(int listening_fd, const service &from) {
 void write_down(const std::string &root, const service &from, std::string words, bool print) {
     words = std::string(from.name) + "  " + words;
     std::replace_if(
-        words.begin(), words.end(), [](char c) { return c >= 0 && c < ' '; }, '?');
+        words.begin(), words.end(), [](unsigned char c) { return c < ' '; }, '?');
     if (print) {
         printf("%s\n", words.c_str());
         fflush(stdout);

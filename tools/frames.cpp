@@ -84,7 +84,8 @@ int play_frames(const std::string &root, const std::vector<int64_t> &intervals_u
         if (speed > 0 && interval_us > 0) {
             due_ns += static_cast<double>(interval_us) * 1000.0 / speed;
             const int64_t due = static_cast<int64_t>(due_ns);
-            const timespec wake = {due / 1000000000, due % 1000000000};
+            const timespec wake = {static_cast<time_t>(due / 1000000000),
+                                   static_cast<long>(due % 1000000000)};
             clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &wake, nullptr);
         }
         result = device_report_interval(fd, interval_us);

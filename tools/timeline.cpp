@@ -46,7 +46,7 @@ int64_t wall_clock_ms() {
 
 // The log's time as milliseconds of the wall clock; the line has no year.
 int64_t parse_wall_time(const std::string &line, int64_t now_ms) {
-    const time_t now = now_ms / 1000;
+    const time_t now = static_cast<time_t>(now_ms / 1000);
     tm local;
     localtime_r(&now, &local);
     int ms = 0;

@@ -11,7 +11,10 @@
 #include <fstream>
 #include <thread>
 
+#include "context/app_tables.h"
+#include "core/events.h"
 #include "device/virtual_device.h"
+#include "resource/acceptor.h"
 #include "tests/support/test_device.h"
 #include "tools/messages.h"
 
@@ -233,7 +236,7 @@ TEST_F(Daemon, SecondDaemonEndsWithItsLine) {
 
 // What start-up needs, taken away by the library that tests put before the C library's.
 struct FailedStart {
-    const char *fault;
+    std::string fault;
     const char *lines[2];
 };
 
@@ -244,7 +247,7 @@ void PrintTo(const FailedStart &start, std::ostream *output) {
 struct CoreSteps : Daemon, testing::WithParamInterface<FailedStart> {};
 
 TEST_P(CoreSteps, EndTheStartWhenTheyFail) {
-    setenv("DVX_FAULT", GetParam().fault, 1);
+    setenv("DVX_FAULT", GetParam().fault.c_str(), 1);
     setenv("LD_PRELOAD", built("tests/libfault_library.so").c_str(), 1);
     setenv("ASAN_OPTIONS", "verify_asan_link_order=0:alloc_dealloc_mismatch=0:detect_leaks=0", 1);
     const int status = start_in_vain();
@@ -258,6 +261,11 @@ TEST_P(CoreSteps, EndTheStartWhenTheyFail) {
     EXPECT_EQ(count_in_log("Halvane Start Successfully."), 0);
 }
 
+// By their size: the event table, an acceptor, the running-app record, an entry of the trigger.
+std::string allocation_of(size_t size) {
+    return std::string("alloc ").append(std::to_string(size));
+}
+
 constexpr char no_server[] = "E Quorvel : Failed to init server..";
 constexpr char no_monitor[] = "E Quorvel : Failed to init kernel event monitor..";
 
@@ -266,14 +274,14 @@ constexpr char no_monitor[] = "E Quorvel : Failed to init kernel event monitor..
 INSTANTIATE_TEST_SUITE_P(
     Start, CoreSteps,
     testing::Values(
-        FailedStart{"alloc 784",
+        FailedStart{allocation_of(event_count * sizeof(void *)),
                     {"E Quorvel : Failed to allocate event state",
                      "E Quorvel : Failed to init event manager.."}},
-        FailedStart{"alloc 48", {"E Quorvel : Failed to alloc", nullptr}},
+        FailedStart{allocation_of(sizeof(acceptor_node)), {"E Quorvel : Failed to alloc", nullptr}},
         FailedStart{"listen", {"E Quorvel : listen error", no_server}},
         FailedStart{"thread 3", {"E Quorvel : Unable to create pthread to listen", no_server}},
         FailedStart{"thread 4", {"E Quorvel : Error initializing sync notify Thread", no_monitor}},
-        FailedStart{"alloc 72",
+        FailedStart{allocation_of(18 * sizeof(int32_t)),
                     {"E Quorvel : Failed to initialize event_listener",
                      "E Quorvel : Failed to init running app manager.."}},
         FailedStart{"thread 5",
@@ -283,7 +291,7 @@ INSTANTIATE_TEST_SUITE_P(
 struct OptionalSteps : Daemon, testing::WithParamInterface<FailedStart> {};
 
 TEST_P(OptionalSteps, CostTheirLinesAndNoMore) {
-    setenv("DVX_FAULT", GetParam().fault, 1);
+    setenv("DVX_FAULT", GetParam().fault.c_str(), 1);
     setenv("LD_PRELOAD", built("tests/libfault_library.so").c_str(), 1);
     setenv("ASAN_OPTIONS", "verify_asan_link_order=0:alloc_dealloc_mismatch=0", 1);
     pid = device_start_daemon(device.root, built("bin/dvxd"));
@@ -304,7 +312,7 @@ INSTANTIATE_TEST_SUITE_P(
                                 {"E Quorvel : Error initializing FIA thread",
                                  "E Quorvel : Halvane Start Successfully."}},
                     FailedStart{
-                        "alloc 536",
+                        allocation_of(package_name_size + 3 * sizeof(void *)),
                         {"E Quorvel : Memory allocation failed for activity trigger configuration.",
                          "I Quorvel : No Supporting AT"}}));
 

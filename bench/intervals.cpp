@@ -55,7 +55,7 @@ void interval_measuring(benchmark::State &state) {
     }
     state.counters["allocations"] = static_cast<double>(allocations() - before);
 }
-BENCHMARK(interval_measuring)->Arg(0)->Arg(5);
+BENCHMARK(interval_measuring)->Arg(0)->Arg(2)->Arg(5);
 
 void interval_active(benchmark::State &state) {
     bench_set_up_daemon();

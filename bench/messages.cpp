@@ -15,7 +15,7 @@ namespace {
 
 constexpr char floor_socket[] = "dvx-floor";
 constexpr int backlog = 20;
-constexpr int burst = 16;  // messages under way at once
+constexpr int burst_max = 16;  // messages under way at once
 
 // The bare server: the same calls to the system and nothing else.
 void serve_floor(int listening_fd) {
@@ -84,12 +84,13 @@ void round_trips(benchmark::State &state, const char *socket_name) {
 
 void bursts(benchmark::State &state, const char *socket_name) {
     const dvx_message message = plain_message();
-    int under_way[burst];
+    const int64_t burst = state.range(0);
+    int under_way[burst_max];
     for (auto _ : state) {
-        for (int &fd : under_way)
-            fd = send_to(socket_name, message);
-        for (const int fd : under_way)
-            wait_for_end(fd);
+        for (int64_t i = 0; i < burst; ++i)
+            under_way[i] = send_to(socket_name, message);
+        for (int64_t i = 0; i < burst; ++i)
+            wait_for_end(under_way[i]);
     }
     state.SetItemsProcessed(state.iterations() * burst);
 }
@@ -110,12 +111,12 @@ void message_burst(benchmark::State &state) {
     start_server();
     bursts(state, DVX_CLIENT_SOCKET);
 }
-BENCHMARK(message_burst)->UseRealTime();
+BENCHMARK(message_burst)->Arg(4)->Arg(burst_max)->UseRealTime();
 
 void message_burst_floor(benchmark::State &state) {
     start_floor();
     bursts(state, floor_socket);
 }
-BENCHMARK(message_burst_floor)->UseRealTime();
+BENCHMARK(message_burst_floor)->Arg(4)->Arg(burst_max)->UseRealTime();
 
 }  // namespace

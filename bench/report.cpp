@@ -34,7 +34,9 @@ struct row {
 constexpr row rows[] = {
     {"message, round trip", "message_round_trip/real_time", "message_round_trip_floor/real_time",
      "1.15 x bare server", 1.15},
-    {"message, 16 under way", "message_burst/real_time", "message_burst_floor/real_time",
+    {"message, 4 under way", "message_burst/4/real_time", "message_burst_floor/4/real_time",
+     "1.15 x bare server", 1.15},
+    {"message, 16 under way", "message_burst/16/real_time", "message_burst_floor/16/real_time",
      "1.15 x bare server", 1.15},
     {"`notify_event`, 1 callback", "notify/1", "notify_floor/1", "2 x plain loop", 2},
     {"`notify_event`, 8 callbacks", "notify/8", "notify_floor/8", "2 x plain loop", 2},
@@ -42,6 +44,7 @@ constexpr row rows[] = {
     {"`requestor_request_fps`, nothing new", "fps_request", nullptr, "none", 0},
     {"interval, suspended", "interval_suspended", nullptr, "40 ns", 40},
     {"interval, measuring, no scene", "interval_measuring/0", nullptr, "200 ns", 200},
+    {"interval, measuring, two scenes", "interval_measuring/2", nullptr, "200 ns", 200},
     {"interval, measuring, five scenes", "interval_measuring/5", nullptr, "200 ns", 200},
     {"interval, active", "interval_active", nullptr, "80 ns", 80},
     {"kernel report to decision", "kernel_report", "kernel_report_floor",

@@ -15,6 +15,7 @@
 #include "core/events.h"
 #include "device/virtual_device.h"
 #include "resource/acceptor.h"
+#include "tests/support/callback_order.h"
 #include "tests/support/test_device.h"
 #include "tools/messages.h"
 
@@ -42,8 +43,8 @@ struct Daemon : testing::Test {
         }
     }
 
-    void start() {
-        pid = device_start_daemon(device.root, built("bin/dvxd"));
+    void start(const char *daemon = "bin/dvxd") {
+        pid = device_start_daemon(device.root, built(daemon));
         ASSERT_GT(pid, 0);
         ASSERT_EQ(device_wait_until_started(device.root, pid, patience_ms), device_started)
             << log();
@@ -102,6 +103,36 @@ struct Daemon : testing::Test {
     static void tell_text(int32_t code, const std::string &text) {
         const dvx_message message = make_text_message("powerhal", code, text);
         EXPECT_EQ(dvx_message_send_and_wait(&message), 0);
+    }
+
+    // Messages of three clients, panel changes and intervals, all at once.
+    void keep_busy() {
+        std::vector<std::thread> busy;
+        busy.emplace_back([&] {
+            const int fd = device_open_node(device.root, device_interval_node);
+            for (int i = 0; i < 4000; ++i)
+                device_report_interval(fd, i % 900 < 700 ? 16700 : 15000 + i * 13 % 30000);
+            close(fd);
+        });
+        busy.emplace_back([&] {
+            for (int i = 0; i < 60; ++i) {
+                device_report_panel(device.root, i % 2 != 0);
+                usleep(4000);
+            }
+        });
+        for (int client = 0; client < 3; ++client)
+            busy.emplace_back([client] {
+                for (int i = 0; i < 120; ++i) {
+                    tell_text(DVX_CODE_ACTIVITY, "com.game" + std::to_string(i % 7) + "/.Main");
+                    tell_text(DVX_CODE_WINDOW, "com.game" + std::to_string(i % 7));
+                    tell("powerhal", DVX_CODE_GAME, {i % 3, i % 4, 20 + i % 45, i % 2});
+                    tell("powerhal", i % 16, {i % 2});
+                    tell("dgpc", DVX_CODE_FPS, {client * 10 + i % 30});
+                    tell("vrhal", DVX_CODE_VR, {i % 5 == 0});
+                }
+            });
+        for (std::thread &worker : busy)
+            worker.join();
     }
 
     static int64_t size_of_directory(const std::string &path) {
@@ -365,36 +396,19 @@ TEST_F(Daemon, TimersAndThermalEngineKeepTheirTime) {
     EXPECT_EQ(count_in_log("Sanitizer"), 0) << log();
 }
 
+TEST_F(Daemon, CallbacksRunInTheOrderOfTheirRegistration) {
+    start("tests/dvxd_talkative");
+    keep_busy();
+    const callback_order order = check_callback_order(log());
+    EXPECT_EQ(order.broken, "");
+    EXPECT_GT(order.callbacks, 5000);
+}
+
 // Everything at once, for the sanitizers to watch.
 TEST_F(Daemon, StaysWholeWithEveryThreadBusy) {
     device_set_property(&device, "debug.dvxd_log.enable", "1");
     start();
-    std::vector<std::thread> busy;
-    busy.emplace_back([&] {
-        const int fd = device_open_node(device.root, device_interval_node);
-        for (int i = 0; i < 4000; ++i)
-            device_report_interval(fd, i % 900 < 700 ? 16700 : 15000 + i * 13 % 30000);
-        close(fd);
-    });
-    busy.emplace_back([&] {
-        for (int i = 0; i < 60; ++i) {
-            device_report_panel(device.root, i % 2 != 0);
-            usleep(4000);
-        }
-    });
-    for (int client = 0; client < 3; ++client)
-        busy.emplace_back([client] {
-            for (int i = 0; i < 120; ++i) {
-                tell_text(DVX_CODE_ACTIVITY, "com.game" + std::to_string(i % 7) + "/.Main");
-                tell_text(DVX_CODE_WINDOW, "com.game" + std::to_string(i % 7));
-                tell("powerhal", DVX_CODE_GAME, {i % 3, i % 4, 20 + i % 45, i % 2});
-                tell("powerhal", i % 16, {i % 2});
-                tell("dgpc", DVX_CODE_FPS, {client * 10 + i % 30});
-                tell("vrhal", DVX_CODE_VR, {i % 5 == 0});
-            }
-        });
-    for (std::thread &worker : busy)
-        worker.join();
+    keep_busy();
 
     // A known end: what the daemon believes is what it was told last.
     device_report_panel(device.root, true);

@@ -152,6 +152,11 @@ std::string device_create(const std::string &root, const std::string &image) {
     return {};
 }
 
+bool device_exists(const std::string &root) {
+    std::error_code error;
+    return fs::exists(root + "/" + marker, error);
+}
+
 bool device_hide_symbol(const std::string &library, const std::string &symbol) {
     // The loader compares names: one with another first letter is never found.
     std::string content = read_file(library);

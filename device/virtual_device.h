@@ -26,6 +26,9 @@ std::string device_image_path(void);
 // went wrong; a directory that holds something else is left alone.
 std::string device_create(const std::string &root, const std::string &image);
 
+// Whether a device has been laid out at `root`.
+bool device_exists(const std::string &root);
+
 // Makes one symbol of a device's library unfindable. False when the library has none of that name.
 bool device_hide_symbol(const std::string &library, const std::string &symbol);
 

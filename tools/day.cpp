@@ -92,7 +92,9 @@ void say_what_to_try(const std::string &root) {
         "\nThe device and its daemon stay up. To drive them from a shell here:\n\n"
         "    export DVXD_ROOT=%s PATH=%s:$PATH\n"
         "    dvxctl watch                        (in a terminal of its own)\n"
+        "    dvxctl activity com.example.racer/.Race\n"
         "    dvxctl window com.example.racer\n"
+        "    dvxctl optimizer on\n"
         "    dvxctl game on --fps 30 --tuner 1\n"
         "    dvxctl device panel off\n"
         "    dvxctl device stop\n",
@@ -108,7 +110,7 @@ void stop_device(const std::string &root) {
 int start_device(const std::string &root, bool stay) {
     const std::string error = device_create(root, device_image_path());
     if (!error.empty()) {
-        printf("%s\n", error.c_str());
+        fprintf(stderr, "dvxctl: %s\n", error.c_str());
         return -1;
     }
     device_start_services(root, !stay);

@@ -33,7 +33,13 @@ int create(const std::string &root) {
     return 0;
 }
 
+int fail_without_device(const std::string &root) {
+    return fail(root + " is not a virtual device; lay one out with dvxctl device create");
+}
+
 int start(const std::string &root) {
+    if (!device_exists(root))
+        return fail_without_device(root);
     if (device_daemon_process(root) != 0)
         return fail("a daemon runs on " + root + " already");
     const int pid = device_start_daemon(root, sibling_program("dvxd"));
@@ -46,8 +52,13 @@ int start(const std::string &root) {
         return 0;
     }
     int64_t offset = 0;
-    for (const std::string &line : device_read_lines(root + device_daemon_log, &offset))
+    for (const std::string &line : device_read_lines(root + device_daemon_log, &offset)) {
+        if (line.ends_with("fail to create socket"))
+            return fail(
+                "another daemon has the socket; give this one a network of its own with "
+                "unshare --net --map-root-user");
         fprintf(stderr, "%s\n", line.c_str());
+    }
     return fail("dvxd did not start");
 }
 
@@ -68,13 +79,16 @@ int stop(const std::string &root) {
     return 0;
 }
 
-int report_node_error(int error) {
-    return fail(error == -ENXIO ? "no daemon reads the device's nodes" : strerror(-error));
+int report_node_error(const std::string &root, int error) {
+    if (!device_exists(root))
+        return fail_without_device(root);
+    return fail(error == -ENXIO ? "no daemon reads the nodes of " + root
+                                : root + ": " + strerror(-error));
 }
 
 int panel(const std::string &root, bool on) {
     const int result = device_report_panel(root, on);
-    return result == 0 ? 0 : report_node_error(result);
+    return result == 0 ? 0 : report_node_error(root, result);
 }
 
 int frames(const std::string &root, const std::string &path, const std::string &column,
@@ -88,9 +102,11 @@ int frames(const std::string &root, const std::string &path, const std::string &
     const frame_file input = read_frames(path == "-" ? std::cin : file, column, unit_us);
     if (!input.error.empty())
         return fail(path + ": " + input.error);
+    if (input.intervals_us.empty())
+        return fail(path + ": no intervals");
     const int result = play_frames(root, input.intervals_us, speed);
     if (result != 0)
-        return report_node_error(result);
+        return report_node_error(root, result);
     printf("%zu intervals played\n", input.intervals_us.size());
     return 0;
 }

@@ -100,6 +100,22 @@ dvx_message make_word_message(const message_word &word, const arguments &given) 
     return values({});
 }
 
+// Turns one of the words into its number; else takes a number up to `max`.
+CLI::Validator word_or_number(const std::map<std::string, int32_t> &words, long max) {
+    return CLI::Validator(
+        [words, max](std::string &text) -> std::string {
+            const auto word = words.find(text);
+            char *end = nullptr;
+            const long number = strtol(text.c_str(), &end, 10);
+            if (word != words.end())
+                text = std::to_string(word->second);
+            else if (text.empty() || *end != '\0' || number > max)
+                return "'" + text + "' is not known here";
+            return {};
+        },
+        "");
+}
+
 void add_payload_options(CLI::App *command, payload_kind payload, arguments *given) {
     switch (payload) {
         case payload_none:
@@ -131,13 +147,13 @@ void add_payload_options(CLI::App *command, payload_kind payload, arguments *giv
             command
                 ->add_option("COMMAND", given->number, "off, on, touch, resume, exit or a number")
                 ->required()
-                ->transform(CLI::Transformer(std::map<std::string, int32_t>{
-                    {"off", 0}, {"on", 1}, {"touch", 2}, {"resume", 3}, {"exit", 4}}));
+                ->transform(word_or_number(
+                    {{"off", 0}, {"on", 1}, {"touch", 2}, {"resume", 3}, {"exit", 4}}, INT32_MAX));
             break;
         case payload_lpm:
             command->add_option("LEVEL", given->number, "off, 1 or 2 (extreme)")
                 ->required()
-                ->transform(CLI::Transformer(std::map<std::string, int32_t>{{"off", 0}}));
+                ->transform(word_or_number({{"off", 0}}, 2));
             command->add_flag("--cap", given->cap, "Cap the frame rate at 30 (level 2)");
             break;
     }
@@ -208,7 +224,7 @@ int main(int argc, char **argv) {
     } catch (const CLI::ParseError &error) {
         const std::vector<std::string> unknown = app.remaining(true);
         if (unknown.empty())
-            fprintf(stderr, "dvxctl: %s\n", error.what());
+            fprintf(stderr, "dvxctl: %s; see dvxctl --help\n", error.what());
         else
             fprintf(stderr, "dvxctl: unknown word '%s'; see dvxctl --help\n", unknown[0].c_str());
         return exit_usage;

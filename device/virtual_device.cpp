@@ -237,6 +237,24 @@ int device_services_process(const std::string &root) {
     return running_process(root + device_services_pid, "dvxctl");
 }
 
+std::string device_append_note(const std::string &path, std::string text) {
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return c < ' '; }, '?');
+    const std::string line =
+        std::to_string(static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec)
+            .append(" ")
+            .append(text)
+            .append("\n");
+    const int fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+    if (fd >= 0) {
+        [[maybe_unused]] const ssize_t written = write(fd, line.data(), line.size());
+        close(fd);
+    }
+    return text;
+}
+
 std::vector<std::string> device_read_lines(const std::string &path, int64_t *offset) {
     std::vector<std::string> lines;
     std::error_code error;

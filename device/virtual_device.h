@@ -62,5 +62,9 @@ int device_services_process(const std::string &root);
 // The path of a program of this project that stands beside this one.
 std::string sibling_program(const std::string &name);
 
+// Appends a line to a file of the device with the time of the monotonic clock before it, in
+// nanoseconds. What could forge a line is replaced; the text as it was noted.
+std::string device_append_note(const std::string &path, std::string text);
+
 // The lines of a text file of the device from `*offset` on, which moves behind the last whole line.
 std::vector<std::string> device_read_lines(const std::string &path, int64_t *offset);

@@ -1,11 +1,8 @@
 #include "tools/messages.h"
 
-#include <fcntl.h>
-
 #include <algorithm>
 
 #include "device/virtual_device.h"
-#include "platform/clock.h"
 
 const std::vector<message_word> message_words = {
     {"game", "powerhal", DVX_CODE_GAME, payload_game, "A game comes to the front or leaves it"},
@@ -62,19 +59,8 @@ std::string describe_message(const dvx_message &message, bool is_text) {
 }
 
 int send_message(const dvx_message &message, bool is_text, const std::string &root) {
-    if (!root.empty()) {
-        std::string line =
-            std::to_string(clock_monotonic_ns()) + " " + describe_message(message, is_text);
-        std::replace_if(
-            line.begin(), line.end(), [](unsigned char c) { return c < ' '; }, '?');
-        line += '\n';
-        const std::string path = root + device_messages_log;
-        const int fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
-        if (fd >= 0) {
-            // A note that cannot be taken does not keep the message back.
-            [[maybe_unused]] const ssize_t written = write(fd, line.data(), line.size());
-            close(fd);
-        }
-    }
+    // A note that cannot be taken does not keep the message back.
+    if (device_exists(root))
+        device_append_note(root + device_messages_log, describe_message(message, is_text));
     return dvx_message_send_and_wait(&message);
 }

@@ -1,7 +1,6 @@
 #include "tools/services.h"
 
 #include <cutils/sockets.h>
-#include <fcntl.h>
 #include <poll.h>
 #include <stdio.h>
 #include <string.h>
@@ -9,11 +8,9 @@
 #include <sys/time.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <map>
 
 #include "device/virtual_device.h"
-#include "platform/clock.h"
 
 namespace {
 
@@ -83,21 +80,14 @@ std::string receive_words(int listening_fd, const service &from) {
     return from.describe(bytes);
 }
 
-void write_down(const std::string &root, const service &from, std::string words, bool print) {
-    words = std::string(from.name) + "  " + words;
-    std::replace_if(
-        words.begin(), words.end(), [](unsigned char c) { return c < ' '; }, '?');
+void write_down(const std::string &root, const service &from, const std::string &words,
+                bool print) {
+    const std::string note =
+        device_append_note(root + device_services_log, std::string(from.name) + "  " + words);
     if (print) {
-        printf("%s\n", words.c_str());
+        printf("%s\n", note.c_str());
         fflush(stdout);
     }
-    const std::string line = std::to_string(clock_monotonic_ns()).append(" ").append(words) + "\n";
-    const std::string path = root + device_services_log;
-    const int fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
-    if (fd < 0)
-        return;
-    [[maybe_unused]] const ssize_t written = write(fd, line.data(), line.size());
-    close(fd);
 }
 
 }  // namespace

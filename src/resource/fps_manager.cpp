@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr int32_t fps_min = 20;
-constexpr int32_t fps_max = 60;
 constexpr int32_t no_request = -1;
 constexpr int32_t no_winner = -1;
 

@@ -9,6 +9,10 @@
 
 #include <cstdint>
 
+// Frames per second that may be asked for; the display's own rate is the highest.
+constexpr int32_t fps_min = 20;
+constexpr int32_t fps_max = 60;
+
 // Binds frame-rate control and builds the requestor list. 0 or -EINVAL.
 int start_fps_manager(void);
 

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr int32_t fps_min = 20;
-constexpr int32_t fps_max = 60;
 constexpr int32_t no_target = 0;
 constexpr int32_t mode_tuned = 1;
 constexpr int64_t boost_ms = 1000;

@@ -1,32 +1,48 @@
 /* How a platform service talks to dvxd: one message of 284 bytes over one connection to the local
  * socket "dvx-client". There is no reply; the daemon closes the connection once the message has had
- * its whole effect.
+ * its whole effect. It serves one connection at a time and gives a client that stays silent half a
+ * second, so send right after connecting, as the operations below do.
  *
  *     struct dvx_message message;
- *     dvx_message_init(&message, "powerhal", DVX_CODE_WINDOW);
+ *     dvx_message_init(&message, DVX_CLIENT_POWERHAL, DVX_CODE_WINDOW);
  *     dvx_message_set_text(&message, "com.android.chrome");
- *     if (dvx_message_send(&message) < 0) ...
+ *     if (dvx_message_send(&message, DVX_TIMEOUT_HAL_MS) < 0) ...
  *
- * Any thread may call; nothing is kept between calls. C11 or C++11.
+ * Any thread may call; nothing is kept between calls. C99 or C++11.
  */
 #pragma once
 
 #include <errno.h>
+#include <poll.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <string.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
+#include <time.h>
 #include <unistd.h>
 
 #ifdef __cplusplus
 extern "C" {
-#define DVX_STATIC_ASSERT static_assert
-#else
-#define DVX_STATIC_ASSERT _Static_assert
 #endif
 
+#define DVX_VERSION "0.9.0"
+
 #define DVX_CLIENT_SOCKET "dvx-client" /* in the abstract namespace */
+
+/* Who may send; the codes below are grouped by them. */
+#define DVX_CLIENT_POWERHAL "powerhal"
+#define DVX_CLIENT_DGPC "dgpc"
+#define DVX_CLIENT_TMR "tmr"
+#define DVX_CLIENT_MEDIAHAL "mediahal"
+#define DVX_CLIENT_AUTOMODE "automode"
+#define DVX_CLIENT_LOWPOWERMODE "lowpowermode"
+#define DVX_CLIENT_VRHAL "vrhal"
+
+/* How long a HAL should let itself be kept waiting, as in its touch path: a message takes a tenth
+ * of a millisecond, and one that a busy daemon does not take in this time is better lost. */
+#define DVX_TIMEOUT_HAL_MS 20
 
 #define DVX_CLIENT_NAME_SIZE 20 /* at most 19 characters and a NUL */
 #define DVX_PAYLOAD_SIZE 256
@@ -42,11 +58,12 @@ struct dvx_message {
     } payload;
 };
 
-DVX_STATIC_ASSERT(sizeof(struct dvx_message) == 284, "one message is 284 bytes");
-DVX_STATIC_ASSERT(offsetof(struct dvx_message, client) == 0, "offset of client");
-DVX_STATIC_ASSERT(offsetof(struct dvx_message, unused) == 20, "offset of unused");
-DVX_STATIC_ASSERT(offsetof(struct dvx_message, code) == 24, "offset of code");
-DVX_STATIC_ASSERT(offsetof(struct dvx_message, payload) == 28, "offset of payload");
+/* The layout is the protocol: an array of a negative size refuses another one. */
+typedef char dvx_assert_message_size[sizeof(struct dvx_message) == 284 ? 1 : -1];
+typedef char dvx_assert_client_offset[offsetof(struct dvx_message, client) == 0 ? 1 : -1];
+typedef char dvx_assert_unused_offset[offsetof(struct dvx_message, unused) == 20 ? 1 : -1];
+typedef char dvx_assert_code_offset[offsetof(struct dvx_message, code) == 24 ? 1 : -1];
+typedef char dvx_assert_payload_offset[offsetof(struct dvx_message, payload) == 28 ? 1 : -1];
 
 /* Codes, by the client whose they are. "on" is a value that is not 0. */
 enum dvx_code {
@@ -75,17 +92,26 @@ enum dvx_code {
                          "lowpowermode", values: on, mode (1 or 2), cap frame rate */
 };
 
-/* Copies a text to a zeroed field of `size` bytes, cut so that a NUL stays behind it. */
+/* Copies a text to a zeroed field of `size` bytes, cut so that a NUL stays behind it. Nothing
+ * behind the text's end is touched, nor claimed to be there, as fortified C libraries stop a
+ * process that does. */
 static inline void dvx_copy_text(char *field, size_t size, const char *text) {
-    const char *end = (const char *)memchr(text, 0, size - 1);
-    memcpy(field, text, end != NULL ? (size_t)(end - text) : size - 1);
+    size_t i;
+    for (i = 0; i + 1 < size && text[i] != '\0'; ++i)
+        field[i] = text[i];
 }
 
-/* Starts a message without payload. A longer client name is cut. */
-static inline void dvx_message_init(struct dvx_message *message, const char *client, int32_t code) {
+/* Starts a message without payload. 0, or -EINVAL for a client name of more than 19 characters; the
+ * message is all zero then, and no client's. */
+static inline int dvx_message_init(struct dvx_message *message, const char *client, int32_t code) {
     memset(message, 0, sizeof(*message));
     dvx_copy_text(message->client, sizeof(message->client), client);
+    if (strcmp(message->client, client) != 0) {
+        memset(message->client, 0, sizeof(message->client));
+        return -EINVAL;
+    }
     message->code = code;
+    return 0;
 }
 
 /* Sets the payload to a text; a longer one is cut at 255 characters. */
@@ -94,60 +120,127 @@ static inline void dvx_message_set_text(struct dvx_message *message, const char 
     dvx_copy_text(message->payload.text, sizeof(message->payload.text), text);
 }
 
-/* Connects to the daemon: a descriptor, or a negative errno value. */
-static inline int dvx_client_connect(void) {
+/* Milliseconds of a clock that limits are counted on. */
+static inline int64_t dvx_now_ms(void) {
+#ifdef CLOCK_MONOTONIC
+    struct timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return (int64_t)now.tv_sec * 1000 + now.tv_nsec / 1000000;
+#else /* plain C99 shows only this one; a clock that is set shortens or stretches a limit */
+    struct timeval now;
+    gettimeofday(&now, NULL);
+    return (int64_t)now.tv_sec * 1000 + now.tv_usec / 1000;
+#endif
+}
+
+/* Waits until a byte or the end can be read from `fd`, or, without one (-1), for a millisecond; not
+ * beyond `deadline_ms`, nor at all once it has passed; negative: no limit. 1 when there is
+ * something to read, else 0. */
+static inline int dvx_wait(int fd, int64_t deadline_ms) {
+    struct pollfd wait;
+    int64_t left_ms = -1;
+    wait.fd = fd;
+    wait.events = POLLIN;
+    wait.revents = 0;
+    if (deadline_ms >= 0) {
+        left_ms = deadline_ms - dvx_now_ms();
+        left_ms = left_ms < 0 ? 0 : left_ms > INT32_MAX ? INT32_MAX : left_ms;
+    }
+    if (fd < 0 && left_ms != 0)
+        left_ms = 1;
+    return poll(&wait, 1, (int)left_ms) > 0 ? 1 : 0;
+}
+
+/* When a limit that begins now is over; -1 for a negative one, which is none. */
+static inline int64_t dvx_deadline_ms(int timeout_ms) {
+    return timeout_ms < 0 ? -1 : dvx_now_ms() + timeout_ms;
+}
+
+/* Whether a deadline has passed. */
+static inline int dvx_is_over(int64_t deadline_ms) {
+    return deadline_ms >= 0 && dvx_now_ms() >= deadline_ms;
+}
+
+/* Connects until a deadline; see dvx_client_connect. */
+static inline int dvx_client_connect_until(int64_t deadline_ms) {
     struct sockaddr_un address;
     const size_t length = strlen(DVX_CLIENT_SOCKET);
-    const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const socklen_t size = (socklen_t)(offsetof(struct sockaddr_un, sun_path) + 1 + length);
+    const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     if (fd < 0)
         return -errno;
     memset(&address, 0, sizeof(address));
     address.sun_family = AF_UNIX;
     memcpy(address.sun_path + 1, DVX_CLIENT_SOCKET, length);
-    if (connect(fd, (const struct sockaddr *)&address,
-                (socklen_t)(offsetof(struct sockaddr_un, sun_path) + 1 + length)) != 0) {
+    while (connect(fd, (const struct sockaddr *)&address, size) != 0) {
         const int error = errno;
-        close(fd);
-        return -error;
+        if ((error != EAGAIN && error != EINTR) || dvx_is_over(deadline_ms)) {
+            close(fd);
+            return -error;
+        }
+        dvx_wait(-1, deadline_ms); /* the queue is full, and cannot be waited for */
     }
     return fd;
 }
 
-/* Sends a message over a connection of its own: 0, or a negative errno value. It returns when the
- * message is on its way, not when it has had its effect. */
-static inline int dvx_message_send(const struct dvx_message *message) {
+/* Connects to the daemon: a descriptor that does not block; -EAGAIN when the daemon's queue stayed
+ * full for `timeout_ms`, or another negative errno value. A negative timeout is none. */
+static inline int dvx_client_connect(int timeout_ms) {
+    return dvx_client_connect_until(dvx_deadline_ms(timeout_ms));
+}
+
+/* Sends a message over a new connection, which the caller closes: its descriptor, or a negative
+ * errno value. */
+static inline int dvx_message_start(const struct dvx_message *message, int64_t deadline_ms) {
     ssize_t sent;
     int error;
-    const int fd = dvx_client_connect();
+    const int fd = dvx_client_connect_until(deadline_ms);
     if (fd < 0)
         return fd;
     sent = send(fd, message, sizeof(*message), MSG_NOSIGNAL);
+    if (sent == (ssize_t)sizeof(*message))
+        return fd;
     error = sent < 0 ? errno : EIO;
     close(fd);
-    return sent == (ssize_t)sizeof(*message) ? 0 : -error;
+    return -error;
+}
+
+/* Sends a message over a connection of its own. 0 when it is on its way, whatever becomes of it;
+ * -EAGAIN when a daemon that is busy or stopped did not take it within `timeout_ms`; another
+ * negative errno value, -ECONNREFUSED above all, when there is no daemon. A negative timeout is
+ * none. */
+static inline int dvx_message_send(const struct dvx_message *message, int timeout_ms) {
+    const int fd = dvx_message_start(message, dvx_deadline_ms(timeout_ms));
+    if (fd < 0)
+        return fd;
+    close(fd);
+    return 0;
 }
 
 /* The same, and waits until the daemon has closed the connection, that is until the message has had
- * its whole effect. */
-static inline int dvx_message_send_and_wait(const struct dvx_message *message) {
+ * its whole effect; -ETIMEDOUT when it was sent but had not within `timeout_ms`: it may have it
+ * later. What the daemon makes of a message it does not say. */
+static inline int dvx_message_send_and_wait(const struct dvx_message *message, int timeout_ms) {
+    const int64_t deadline_ms = dvx_deadline_ms(timeout_ms);
     ssize_t count;
     char reply;
     int error;
-    const int fd = dvx_client_connect();
+    const int fd = dvx_message_start(message, deadline_ms);
     if (fd < 0)
         return fd;
-    count = send(fd, message, sizeof(*message), MSG_NOSIGNAL);
-    error = count < 0 ? errno : EIO;
-    if (count == (ssize_t)sizeof(*message)) {
-        while ((count = recv(fd, &reply, sizeof(reply), 0)) < 0 && errno == EINTR) {
-        }
+    for (;;) {
+        count = recv(fd, &reply, sizeof(reply), 0);
         error = count < 0 ? errno : 0;
+        if (error != EAGAIN && error != EINTR)
+            break;
+        error = ETIMEDOUT;
+        if (dvx_wait(fd, deadline_ms) == 0 && dvx_is_over(deadline_ms))
+            break;
     }
     close(fd);
     return -error;
 }
 
-#undef DVX_STATIC_ASSERT
 #ifdef __cplusplus
 }
 #endif

@@ -1,5 +1,6 @@
 #include "core/event_manager.h"
 
+#include <assert.h>
 #include <errno.h>
 #include <pthread.h>
 
@@ -58,6 +59,7 @@ int register_callback_for_event(uint32_t id, const char *name, event_callback ca
 }
 
 void notify_event(event_id id) {
+    assert(id < event_count);
     log_debug(debug_events, "EV : %d\n", static_cast<int>(id));
     const event_slot *slot = find_slot(id);
     if (slot == nullptr)

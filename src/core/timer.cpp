@@ -3,18 +3,18 @@
 #include <errno.h>
 #include <inttypes.h>
 #include <pthread.h>
-#include <unistd.h>
 
 #include <new>
 
 #include "core/log.h"
 #include "platform/clock.h"
+#include "platform/recording.h"
 #include "platform/thread.h"
 
 namespace {
 
-constexpr useconds_t armed_sleep_us = 100000;
-constexpr useconds_t idle_sleep_us = 500000;
+constexpr int64_t armed_sleep_us = 100000;
+constexpr int64_t idle_sleep_us = 500000;
 
 struct timer_entry {
     int64_t start;  // ms of the monotonic clock, as `end`
@@ -103,6 +103,16 @@ int add_timer_event(uint32_t slot, int64_t duration_ms, timer_callback callback)
     return result;
 }
 
+int64_t timer_next_end_ms(void) {
+    int64_t next = INT64_MAX;
+    pthread_mutex_lock(&timers.lock);
+    for (const timer_entry *entry : timers.slots)
+        if (entry != nullptr && entry->end < next)
+            next = entry->end;
+    pthread_mutex_unlock(&timers.lock);
+    return next;
+}
+
 int check_expired_work(void) {
     const int64_t now = get_current_monotonic_ms();
     pthread_mutex_lock(&timers.lock);
@@ -131,7 +141,16 @@ int check_expired_work(void) {
     return armed;
 }
 
+int64_t timer_round_us(void) {
+    return check_expired_work() != 0 ? armed_sleep_us : idle_sleep_us;
+}
+
 void *do_timer(void *) {
-    for (;;)
-        usleep(check_expired_work() != 0 ? armed_sleep_us : idle_sleep_us);
+    for (;;) {
+        recording_begin(recorded_timers);
+        const int64_t next_ms = timer_next_end_ms();
+        const int64_t pause_us = timer_round_us();
+        recording_end(timer_next_end_ms() != next_ms);
+        clock_sleep_us(pause_us);
+    }
 }

@@ -28,8 +28,15 @@ int64_t get_current_monotonic_ms(void);
 // no timer thread; -ENOMEM. Any thread may call, but no expiry action.
 int add_timer_event(uint32_t slot, int64_t duration_ms, timer_callback callback);
 
+// When the armed slot that ends first does so, in ms of the daemon's clock; INT64_MAX when none is
+// armed. For a clock that does not run by itself; any thread may call.
+int64_t timer_next_end_ms(void);
+
 // One scan of the slots by the timer thread: runs what is due. 1 if a timer is still armed, else 0.
 int check_expired_work(void);
+
+// One round of the timer thread: a scan, and how long to sleep until the next, in microseconds.
+int64_t timer_round_us(void);
 
 // The timer thread.
 void *do_timer(void *);

@@ -1,8 +1,4 @@
-// Start-up: brings the subsystems up in one order, then sleeps for ever. All work happens on the
-// threads and in the callbacks that the steps have set up.
-
-#include <sys/resource.h>
-#include <unistd.h>
+#include "core/start/start_steps.h"
 
 #include "context/activity_trigger.h"
 #include "context/running_app.h"
@@ -13,9 +9,11 @@
 #include "features/dfrc_if.h"
 #include "features/event_trigger.h"
 #include "features/image_enhance_controller.h"
+#include "features/low_power_mode.h"
 #include "features/merlak_if.h"
 #include "features/osprin_if.h"
 #include "features/profile_controller.h"
+#include "features/profile_manager.h"
 #include "features/property_worker.h"
 #include "features/thermal_control.h"
 #include "fia/clock_manager.h"
@@ -29,8 +27,6 @@
 #include "resource/policy.h"
 
 namespace {
-
-constexpr int highest_priority = -20;
 
 enum step_kind { core, optional };
 
@@ -104,12 +100,15 @@ bool run_step(const start_step &step) {
 
 }  // namespace
 
-int main() {
-    setpriority(PRIO_PROCESS, static_cast<id_t>(getpid()), highest_priority);
+void prepare_daemon(void) {
+    init_profile_manager_ext();
+    init_lpm_config();
+}
+
+int start_daemon(void) {
     for (const start_step &step : steps)
         if (!run_step(step))
             return -1;
     log_error("Halvane Start Successfully.");
-    for (;;)
-        pause();
+    return 0;
 }

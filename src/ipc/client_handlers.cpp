@@ -1,5 +1,6 @@
 #include "ipc/client_handlers.h"
 
+#include <assert.h>
 #include <string.h>
 
 #include "client/dvx_client.h"
@@ -122,33 +123,39 @@ void handle_home(const void *payload) {
 }
 
 // What a code of "powerhal" means: an operation of its own, or the event for a value that is not 0
-// and the one for a value that is; a code without a value has the same event twice.
+// and the one for a value that is; what has no value raises the same event for both.
 struct powerhal_code {
     int32_t code;
-    void (*handle)(const void *payload);
+    void (*handle)(const void *payload);  // null: one of the events
     event_id on;
     event_id off;
 };
 
-constexpr event_id none = EV_GAME_APP_RESUMED;  // not raised beside an operation
+constexpr powerhal_code operation(int32_t code, void (*handle)(const void *payload)) {
+    return {code, handle, {}, {}};
+}
+
+constexpr powerhal_code events(int32_t code, event_id on, event_id off) {
+    return {code, nullptr, on, off};
+}
 
 constexpr powerhal_code powerhal_codes[] = {
-    {DVX_CODE_GAME, handle_game, none, none},
-    {DVX_CODE_BROWSER, nullptr, EV_BROWSER_APP_RESUMED, EV_BROWSER_APP_PAUSED},
-    {DVX_CODE_SNS, nullptr, EV_SNS_APP_RESUMED, EV_SNS_APP_PAUSED},
-    {DVX_CODE_GEO, nullptr, EV_GEO_APP_RESUMED, EV_GEO_APP_PAUSED},
-    {DVX_CODE_WINDOW, handle_window, none, none},
-    {DVX_CODE_APP, handle_app, none, none},
-    {DVX_CODE_ACTIVITY, handle_activity, none, none},
-    {DVX_CODE_GAME_OPTIMIZER, handle_game_optimizer, none, none},
-    {DVX_CODE_INTERACTION, nullptr, EV_INTERACTION, EV_INTERACTION},
-    {DVX_CODE_ROTATION, nullptr, EV_ROTATION, EV_ROTATION},
-    {DVX_CODE_FPS_LOCK, nullptr, EV_FPS_LOCK, EV_FPS_UNLOCK},
-    {DVX_CODE_SOFT_KEY, nullptr, EV_SOFT_KEY, EV_SOFT_KEY},
-    {DVX_CODE_ENCODE, nullptr, EV_ENCODE_START, EV_ENCODE_END},
-    {DVX_CODE_INCOMING_CALL, nullptr, EV_INCOMING_CALL_ON, EV_INCOMING_CALL_OFF},
-    {DVX_CODE_3RD_ENCODE, nullptr, EV_3RD_ENCODE_START, EV_3RD_ENCODE_END},
-    {DVX_CODE_HOME, handle_home, none, none},
+    operation(DVX_CODE_GAME, handle_game),
+    events(DVX_CODE_BROWSER, EV_BROWSER_APP_RESUMED, EV_BROWSER_APP_PAUSED),
+    events(DVX_CODE_SNS, EV_SNS_APP_RESUMED, EV_SNS_APP_PAUSED),
+    events(DVX_CODE_GEO, EV_GEO_APP_RESUMED, EV_GEO_APP_PAUSED),
+    operation(DVX_CODE_WINDOW, handle_window),
+    operation(DVX_CODE_APP, handle_app),
+    operation(DVX_CODE_ACTIVITY, handle_activity),
+    operation(DVX_CODE_GAME_OPTIMIZER, handle_game_optimizer),
+    events(DVX_CODE_INTERACTION, EV_INTERACTION, EV_INTERACTION),
+    events(DVX_CODE_ROTATION, EV_ROTATION, EV_ROTATION),
+    events(DVX_CODE_FPS_LOCK, EV_FPS_LOCK, EV_FPS_UNLOCK),
+    events(DVX_CODE_SOFT_KEY, EV_SOFT_KEY, EV_SOFT_KEY),
+    events(DVX_CODE_ENCODE, EV_ENCODE_START, EV_ENCODE_END),
+    events(DVX_CODE_INCOMING_CALL, EV_INCOMING_CALL_ON, EV_INCOMING_CALL_OFF),
+    events(DVX_CODE_3RD_ENCODE, EV_3RD_ENCODE_START, EV_3RD_ENCODE_END),
+    operation(DVX_CODE_HOME, handle_home),
 };
 constexpr uint32_t powerhal_code_count = sizeof(powerhal_codes) / sizeof(powerhal_codes[0]);
 static_assert(powerhal_codes[powerhal_code_count - 1].code == powerhal_code_count - 1,
@@ -160,10 +167,13 @@ struct client_entry {
 };
 
 constexpr client_entry clients[] = {
-    {"powerhal", handler_powerhal_callback}, {"dgpc", handler_dgpc_callback},
-    {"tmr", handler_tmr_callback},           {"mediahal", handler_mediahal_callback},
-    {"automode", handler_automode_callback}, {"lowpowermode", handler_lpm_callback},
-    {"vrhal", handler_vrhal_callback},
+    {DVX_CLIENT_POWERHAL, handler_powerhal_callback},
+    {DVX_CLIENT_DGPC, handler_dgpc_callback},
+    {DVX_CLIENT_TMR, handler_tmr_callback},
+    {DVX_CLIENT_MEDIAHAL, handler_mediahal_callback},
+    {DVX_CLIENT_AUTOMODE, handler_automode_callback},
+    {DVX_CLIENT_LOWPOWERMODE, handler_lpm_callback},
+    {DVX_CLIENT_VRHAL, handler_vrhal_callback},
 };
 
 }  // namespace
@@ -175,6 +185,7 @@ void handler_powerhal_callback(int32_t code, const void *payload) {
         return;
     }
     const powerhal_code &row = powerhal_codes[code];
+    assert(row.code == code);
     if (row.handle != nullptr)
         row.handle(payload);
     else

@@ -4,12 +4,15 @@
 #include <errno.h>
 #include <sys/select.h>
 #include <sys/time.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <new>
 
 #include "core/log.h"
 #include "core/text.h"
+#include "platform/clock.h"
+#include "platform/recording.h"
 #include "platform/thread.h"
 
 namespace {
@@ -17,7 +20,11 @@ namespace {
 constexpr int backlog = 20;
 
 // A client that has connected may keep the others waiting this long before its message comes.
-constexpr timeval receive_timeout = {1, 0};
+constexpr timeval receive_timeout = {0, 500000};
+
+// Before the next try after accepting has failed, as it does for good without a free descriptor:
+// the connection stays in the queue, and the wait for it returns at once.
+constexpr int64_t accept_pause_us = 10000;
 
 struct client_record {
     char name[DVX_CLIENT_NAME_SIZE];
@@ -40,11 +47,17 @@ client_handler find_handler(const char *client) {
 void receive_message(int fd) {
     dvx_message message = {};
     setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &receive_timeout, sizeof(receive_timeout));
-    const ssize_t count = recv(fd, &message, sizeof(message), 0);
-    if (count <= 0)
+    ssize_t count;
+    do
+        count = recv(fd, &message, sizeof(message), 0);
+    while (count < 0 && errno == EINTR);  // also when the process was stopped and goes on
+    if (count <= 0) {
         log_error("%s recv failed\n", "recv_data_from_client");
-    else if (count == static_cast<ssize_t>(sizeof(message)))
+    } else if (count == static_cast<ssize_t>(sizeof(message))) {
+        recording_begin(recorded_message, &message);
         dispatch_message(&message);
+        recording_end();
+    }
 }
 
 }  // namespace
@@ -68,13 +81,13 @@ int register_callback(const char *client, client_handler handler) {
     }
     copy_text(added->name, client);
     std::atomic<client_record *> *link = &server.clients;
-    while (const client_record *record = link->load(std::memory_order_relaxed)) {
+    while (client_record *record = link->load(std::memory_order_relaxed)) {
         if (strncmp(record->name, client, DVX_CLIENT_NAME_SIZE) == 0) {
             log_error("The callback of the client %s is registered already.", client);
             delete added;
             return -EINVAL;
         }
-        link = const_cast<std::atomic<client_record *> *>(&record->next);
+        link = &record->next;
     }
     link->store(added, std::memory_order_release);
     log_info("Callback function for client <%s> is registered\n", client);
@@ -86,8 +99,10 @@ void serve_client(int listening_fd) {
     socklen_t length = sizeof(address);
     const int fd =
         accept4(listening_fd, reinterpret_cast<sockaddr *>(&address), &length, SOCK_CLOEXEC);
-    if (fd < 0)
+    if (fd < 0) {
+        clock_sleep_us(accept_pause_us);
         return;
+    }
     receive_message(fd);
     close(fd);
 }
@@ -111,8 +126,10 @@ void *do_listen_client_fd(void *) {
 int server_init(void) {
     const int fd =
         socket_local_server(DVX_CLIENT_SOCKET, ANDROID_SOCKET_NAMESPACE_ABSTRACT, SOCK_STREAM);
-    if (fd < 0) {
+    if (fd < 0 || fd >= FD_SETSIZE) {  // a set for select has no room beyond
         log_error("fail to create socket\n");
+        if (fd >= 0)
+            close(fd);
         return -EINVAL;
     }
     server.listening_fd.store(fd, std::memory_order_release);

@@ -7,6 +7,7 @@
 #include "core/event_manager.h"
 #include "core/log.h"
 #include "fia/interval_decision.h"
+#include "platform/recording.h"
 #include "platform/thread.h"
 
 namespace {
@@ -17,10 +18,13 @@ constexpr char interval_path[] = "/sys/class/power/fbcn/fbcn_intv";
 // What the daemon believes of the panel until its node says otherwise. Monitor thread only.
 constinit bool panel_off = false;
 
-void handle_report(const kernel_node *node, void (*handle)(const char *report)) {
+void handle_report(const kernel_node *node, recorded_kind kind,
+                   void (*handle)(const char *report)) {
     char report[kernel_report_size] = {};
     kernel_node_read(node, report, sizeof(report));
+    recording_begin(kind, report);
     handle(report);
+    recording_end();
 }
 
 }  // namespace
@@ -49,9 +53,9 @@ int monitor_kernel_nodes(const monitored_nodes *nodes) {
         return -1;
     }
     if (kernel_node_signalled(&nodes->panel, waits[0].revents))
-        handle_report(&nodes->panel, cb_notify_panel_power_states);
+        handle_report(&nodes->panel, recorded_panel, cb_notify_panel_power_states);
     if (kernel_node_signalled(&nodes->interval, waits[1].revents))
-        handle_report(&nodes->interval, cb_notify_fbcn_interval);
+        handle_report(&nodes->interval, recorded_interval, cb_notify_fbcn_interval);
     return 0;
 }
 

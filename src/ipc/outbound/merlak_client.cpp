@@ -1,14 +1,20 @@
-#include "ipc/merlak_client.h"
+#include "ipc/outbound/merlak_client.h"
 
 #include <errno.h>
 #include <unistd.h>
 
 #include "core/text.h"
-#include "ipc/outbound.h"
+#include "ipc/outbound/outbound.h"
+
+namespace {
+
+constinit outbound_service service = {merlak_service, 0};
+
+}  // namespace
 
 int request_to_merlak(uint32_t command, uint32_t value) {
     merlak_message message = {};
-    const int fd = outbound_connect(merlak_service);
+    const int fd = outbound_connect(&service);
     if (fd < 0)
         return -EINVAL;
     copy_text(message.sender, "merlak-client");

@@ -47,6 +47,7 @@ enum gbm_category_code : uint8_t {
     category_code_game = 5,
 };
 
+// Sends a message; what fails is logged under the service's own tag.
 void send_msg_to_gbm(const gbm_message *message);
 
 // Of `argument` the low 8 bits count. Always 0.

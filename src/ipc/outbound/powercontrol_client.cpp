@@ -1,14 +1,20 @@
-#include "ipc/powercontrol_client.h"
+#include "ipc/outbound/powercontrol_client.h"
 
 #include <android/log.h>
 #include <errno.h>
 #include <unistd.h>
 
 #include "core/text.h"
-#include "ipc/outbound.h"
+#include "ipc/outbound/outbound.h"
+
+namespace {
+
+constinit outbound_service service = {powercontrol_service, 0};
+
+}  // namespace
 
 int request_to_powercontrol_hal(const powercontrol_message *message) {
-    const int fd = outbound_connect(powercontrol_service);
+    const int fd = outbound_connect(&service);
     if (fd < 0)
         return -EINVAL;
     const long sent = outbound_send(fd, message, sizeof(*message));

@@ -1,4 +1,4 @@
-#include "ipc/gbm_client.h"
+#include "ipc/outbound/gbm_client.h"
 
 #include <android/log.h>
 #include <errno.h>
@@ -6,11 +6,13 @@
 #include <unistd.h>
 
 #include "core/text.h"
-#include "ipc/outbound.h"
+#include "ipc/outbound/outbound.h"
 
 namespace {
 
 constexpr char tag[] = "GBMv2";
+
+constinit outbound_service service = {gbm_service, 0};
 
 int send_command(gbm_group group, uint32_t argument) {
     gbm_message message = {};
@@ -23,7 +25,7 @@ int send_command(gbm_group group, uint32_t argument) {
 }  // namespace
 
 void send_msg_to_gbm(const gbm_message *message) {
-    const int fd = outbound_connect(gbm_service);
+    const int fd = outbound_connect(&service);
     if (fd < 0) {
         __android_log_print(ANDROID_LOG_ERROR, tag, "Failed to connect - %s", strerror(errno));
         return;

@@ -3,12 +3,10 @@
 #include <dlfcn.h>
 
 #include "core/log.h"
+#include "core/vendor_library.h"
 #include "platform/device_root.h"
 
 namespace {
-
-constexpr char library_32[] = "/vendor/lib/libhwresource.so";
-constexpr char library_64[] = "/vendor/lib64/libhwresource.so";
 
 constinit void *handle = nullptr;
 
@@ -19,15 +17,8 @@ int get_handle(void) {
         log_error("handle already allocated");
         return 0;
     }
-    handle = device_library_open(library_32, RTLD_LAZY);
-    if (handle != nullptr)
-        return 0;
-    log_error("lib32: %s", dlerror());
-    handle = device_library_open(library_64, RTLD_LAZY);
-    if (handle != nullptr)
-        return 0;
-    log_error("lib64: %s", dlerror());
-    return -EINVAL;
+    handle = vendor_library_open("libhwresource.so", "lib32: ", "lib64: ");
+    return handle != nullptr ? 0 : -EINVAL;
 }
 
 bool hw_library_is_open(void) {
@@ -35,7 +26,7 @@ bool hw_library_is_open(void) {
 }
 
 void *hw_library_symbol(const char *symbol) {
-    void *entry = dlsym(handle, symbol);
+    void *entry = device_library_symbol(handle, symbol);
     if (entry == nullptr)
         log_error("Failed to dlsym %s : %s", symbol, dlerror());
     return entry;

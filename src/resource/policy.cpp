@@ -1,5 +1,6 @@
 #include "resource/policy.h"
 
+#include <assert.h>
 #include <errno.h>
 #include <pthread.h>
 
@@ -13,45 +14,52 @@
 
 namespace {
 
-constexpr int32_t grant_rows = 8;
+// Who counts in which kind of state. No acceptor is named "refresh_rate".
+enum grant_column { column_idle, column_game_default, column_game_tuner, grant_columns };
 
-// Constant tables, applied whole and in this order. No acceptor is named "refresh_rate".
-constexpr grant_change idle_grants[grant_rows] = {
-    {"fps", requestor_dgpc, 1},
-    {"fps", requestor_game_tuner, 0},
-    {"fps", requestor_reserved_2, 0},
-    {"fps", requestor_reserved_5, 1},
-    {"fps", requestor_automode, 0},
-    {"fps", requestor_lpm, 1},
-    {"off_image_enhancer", requestor_image_enhance, 1},
-    {"refresh_rate", requestor_refresh_rate, 1},
+struct grant_row {
+    const char *acceptor;
+    requestor_id requestor;
+    int32_t grant[grant_columns];
 };
 
-constexpr grant_change game_default_grants[grant_rows] = {
-    {"fps", requestor_dgpc, 1},
-    {"fps", requestor_game_tuner, 0},
-    {"fps", requestor_reserved_2, 1},
-    {"fps", requestor_reserved_5, 1},
-    {"fps", requestor_automode, 1},
-    {"fps", requestor_lpm, 1},
-    {"off_image_enhancer", requestor_image_enhance, 1},
-    {"refresh_rate", requestor_refresh_rate, 1},
+constexpr grant_row grant_matrix[] = {
+    {"fps", requestor_dgpc, {1, 1, 0}},
+    {"fps", requestor_game_tuner, {0, 0, 1}},
+    {"fps", requestor_reserved_2, {0, 1, 1}},
+    {"fps", requestor_reserved_5, {1, 1, 1}},
+    {"fps", requestor_automode, {0, 1, 1}},
+    {"fps", requestor_lpm, {1, 1, 1}},
+    {"off_image_enhancer", requestor_image_enhance, {1, 1, 1}},
+    {"refresh_rate", requestor_refresh_rate, {1, 1, 1}},
+};
+constexpr int32_t grant_rows = sizeof(grant_matrix) / sizeof(grant_matrix[0]);
+
+// A column as the acceptor chain takes it: applied whole and in this order.
+struct grant_table {
+    grant_change rows[grant_rows];
 };
 
-constexpr grant_change game_tuner_grants[grant_rows] = {
-    {"fps", requestor_dgpc, 0},
-    {"fps", requestor_game_tuner, 1},
-    {"fps", requestor_reserved_2, 1},
-    {"fps", requestor_reserved_5, 1},
-    {"fps", requestor_automode, 1},
-    {"fps", requestor_lpm, 1},
-    {"off_image_enhancer", requestor_image_enhance, 1},
-    {"refresh_rate", requestor_refresh_rate, 1},
-};
+constexpr grant_table make_grants(grant_column column) {
+    grant_table table = {};
+    for (int32_t row = 0; row < grant_rows; ++row) {
+        const grant_row &from = grant_matrix[row];
+        grant_change &change = table.rows[row];
+        for (int i = 0; from.acceptor[i] != '\0'; ++i)
+            change.acceptor[i] = from.acceptor[i];
+        change.requestor = from.requestor;
+        change.grant = from.grant[column];
+    }
+    return table;
+}
+
+constexpr grant_table idle_grants = make_grants(column_idle);
+constexpr grant_table game_default_grants = make_grants(column_game_default);
+constexpr grant_table game_tuner_grants = make_grants(column_game_tuner);
 
 // What a state is: its grants and the event that says they hold.
-void enter_state(const grant_change (&grants)[grant_rows], event_id entered) {
-    request_dvx_grant_change(grants, grant_rows);
+void enter_state(const grant_table &grants, event_id entered) {
+    request_dvx_grant_change(grants.rows, grant_rows);
     notify_event(entered);
 }
 
@@ -89,7 +97,9 @@ constexpr state_entry f[policy_state_count] = {
 };
 
 constinit struct {
-    std::atomic<int32_t> current_state = state_idle;  // whose handler was started last
+    // Whose handler was started last, or which has been posted since: what the thread is on its way
+    // to. Written under both locks.
+    std::atomic<int32_t> current_state = state_idle;
     pthread_mutex_t handover_lock;
     pthread_cond_t thread_ready;  // with handover_lock
     pthread_mutex_t request_lock;
@@ -138,20 +148,21 @@ int change_state(int32_t state) {
         return 0;
     pthread_mutex_lock(&policy.handover_lock);
     while (!policy.ready)
-        pthread_cond_wait(&policy.thread_ready, &policy.handover_lock);
+        thread_wait(&policy.thread_ready, &policy.handover_lock);
 
     // Clearing `ready` in the step that posts makes other callers queue for the next turn.
     pthread_mutex_lock(&policy.request_lock);
     policy.requested_state = state;
+    policy.current_state.store(state, std::memory_order_release);
     policy.ready = false;
-    pthread_cond_signal(&policy.request_posted);
+    thread_wake(&policy.request_posted);
     pthread_mutex_unlock(&policy.request_lock);
     pthread_mutex_unlock(&policy.handover_lock);
     return 1;
 }
 
 int32_t policy_run_state(int32_t state) {
-    policy.current_state.store(state, std::memory_order_release);
+    assert(state >= 0 && state < policy_state_count);
     log_debug(debug_events, "PM : %s", f[state].name);
     f[state].handler();
 
@@ -159,10 +170,10 @@ int32_t policy_run_state(int32_t state) {
     pthread_mutex_lock(&policy.handover_lock);
     pthread_mutex_lock(&policy.request_lock);
     policy.ready = true;
-    pthread_cond_signal(&policy.thread_ready);
+    thread_wake(&policy.thread_ready);
     pthread_mutex_unlock(&policy.handover_lock);
     while (policy.ready)
-        pthread_cond_wait(&policy.request_posted, &policy.request_lock);
+        thread_wait(&policy.request_posted, &policy.request_lock);
     const int32_t next = policy.requested_state;
     pthread_mutex_unlock(&policy.request_lock);
     return next;

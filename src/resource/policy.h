@@ -23,8 +23,8 @@ constexpr int32_t policy_state_count = 5;
 // state at once. 0, or -EINVAL with a log line when there is no thread.
 int start_policy_manager(void);
 
-// Hands a state over. 0 when the thread is in that state already, else 1, after the hand-over and
-// before the state's handler has finished. Any thread may call but the policy thread.
+// Hands a state over. 0 when the thread is in that state or on its way to it, else 1, after the
+// hand-over and before the state's handler has finished. Any thread may call but the policy thread.
 int change_state(int32_t state);
 
 // One round of the policy thread: runs the handler of `state`, then waits for the next one.

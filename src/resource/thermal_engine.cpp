@@ -1,19 +1,20 @@
-#include "features/thermal_engine.h"
+#include "resource/thermal_engine.h"
 
 #include <errno.h>
-#include <unistd.h>
 
 #include <atomic>
 
 #include "core/event_manager.h"
 #include "core/log.h"
+#include "platform/clock.h"
+#include "platform/recording.h"
 #include "platform/thread.h"
 #include "resource/hw_library.h"
 
 namespace {
 
 constexpr int poll_max = 300;
-constexpr unsigned poll_pause_s = 1;
+constexpr int64_t poll_pause_us = 1000000;
 constexpr int32_t stable_polls = 10;
 
 constinit struct {
@@ -52,6 +53,11 @@ int32_t enable_thermal_config(const char *name, int32_t on) {
     return engine.enable_thermal_config(name, on);
 }
 
+thermal_poll begin_thermal_polls(void) {
+    log_info("Thermal Config Check Thread Start");
+    return {};
+}
+
 bool poll_thermal_engine(thermal_poll *poll) {
     const int32_t count = engine.get_num_of_thermal_config_desc();
     if (count < 1) {
@@ -70,10 +76,17 @@ bool poll_thermal_engine(thermal_poll *poll) {
 }
 
 void *do_check_thermal_engine_activation(void *) {
-    log_info("Thermal Config Check Thread Start");
     thermal_poll poll = {};
-    for (int i = 0; i < poll_max && !poll_thermal_engine(&poll); ++i)
-        sleep(poll_pause_s);
+    bool found = false;
+    for (int i = 0; i < poll_max && !found; ++i) {
+        recording_begin(recorded_thermal);
+        if (i == 0)
+            poll = begin_thermal_polls();
+        found = poll_thermal_engine(&poll);
+        recording_end();
+        if (!found)
+            clock_sleep_us(poll_pause_us);
+    }
     return nullptr;
 }
 

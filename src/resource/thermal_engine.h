@@ -22,6 +22,9 @@ struct thermal_poll {
     int32_t stable;  // polls in which it stayed
 };
 
+// The start of the check thread: nothing has been seen yet.
+thermal_poll begin_thermal_polls(void);
+
 // One poll; the step of the check thread. True once the count has been stable for long enough, when
 // the descriptors count as loaded and EV_THERMAL_ENGINE_ACTIVATED has been raised.
 bool poll_thermal_engine(thermal_poll *poll);

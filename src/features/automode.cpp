@@ -8,11 +8,11 @@
 #include "core/event_manager.h"
 #include "core/log.h"
 #include "core/timer.h"
-#include "features/thermal_engine.h"
-#include "ipc/powercontrol_client.h"
+#include "ipc/outbound/powercontrol_client.h"
 #include "resource/fps_manager.h"
 #include "resource/hw_library.h"
 #include "resource/requestor.h"
+#include "resource/thermal_engine.h"
 
 namespace {
 

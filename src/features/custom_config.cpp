@@ -7,8 +7,9 @@
 #include <cstdint>
 
 #include "core/log.h"
-#include "features/thermal_engine.h"
+#include "core/vendor_library.h"
 #include "platform/device_root.h"
+#include "resource/thermal_engine.h"
 
 // The library's record.
 struct custom_config {
@@ -17,9 +18,6 @@ struct custom_config {
 };
 
 namespace {
-
-constexpr char library_32[] = "/vendor/lib/libdvxcc.so";
-constexpr char library_64[] = "/vendor/lib64/libdvxcc.so";
 
 struct config_action {
     const char *name;
@@ -46,21 +44,10 @@ int32_t switch_config(const custom_config &config, int32_t on) {
     return 0;
 }
 
-void *open_library() {
-    void *handle = device_library_open(library_32, RTLD_LAZY);
-    if (handle != nullptr)
-        return handle;
-    log_error("%s", dlerror());
-    handle = device_library_open(library_64, RTLD_LAZY);
-    if (handle == nullptr)
-        log_error("%s", dlerror());
-    return handle;
-}
-
 template <typename function>
 int bind(const char *symbol, function **entry) {
     if (*entry == nullptr)
-        *entry = reinterpret_cast<function *>(dlsym(library.handle, symbol));
+        *entry = reinterpret_cast<function *>(device_library_symbol(library.handle, symbol));
     if (*entry != nullptr)
         return 0;
     log_error("dlsym failed!, %s\n", dlerror());
@@ -97,7 +84,7 @@ int set_custom_config(const char *activity) {
 
 int custom_config_init(void) {
     if (library.handle == nullptr)
-        library.handle = open_library();
+        library.handle = vendor_library_open("libdvxcc.so", "", "");
     if (library.handle == nullptr)
         return -ENOENT;
     if (bind("init_white_list", &library.init_white_list) != 0 ||

@@ -1,18 +1,22 @@
 #include "features/dfrc_if.h"
 
-#include <atomic>
+#include <pthread.h>
+
 #include <cstdint>
 
 #include "context/app_context.h"
 #include "core/event_manager.h"
 #include "core/timer.h"
-#include "ipc/gbm_client.h"
+#include "ipc/outbound/gbm_client.h"
 
 namespace {
 
 constexpr int64_t close_delay_ms = 1000;
 
-constinit std::atomic<bool> floating_window_on = false;
+constinit struct {
+    pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
+    bool floating_window_on = false;  // under `lock`
+} bridge;
 
 void cb_dfrc_interaction() {
     request_gbm_restoration(restoration_touch);
@@ -75,12 +79,16 @@ void cb_dfrc_ofmode_release() {
 }
 
 void cb_dfrc_floating_window_on() {
-    floating_window_on.store(true);
+    pthread_mutex_lock(&bridge.lock);
+    bridge.floating_window_on = true;
     notify_floating_window_info(1);
+    pthread_mutex_unlock(&bridge.lock);
 }
 
 void cb_dfrc_floating_window_off() {
-    floating_window_on.store(false);
+    pthread_mutex_lock(&bridge.lock);
+    bridge.floating_window_on = false;
+    pthread_mutex_unlock(&bridge.lock);
     add_timer_event(timer_floating_window, close_delay_ms, cb_dfrc_floating_window_delayed_off);
 }
 
@@ -107,8 +115,10 @@ constexpr event_registration registrations[] = {
 }  // namespace
 
 void cb_dfrc_floating_window_delayed_off(void) {
-    if (!floating_window_on.load())
+    pthread_mutex_lock(&bridge.lock);
+    if (!bridge.floating_window_on)
         notify_floating_window_info(0);
+    pthread_mutex_unlock(&bridge.lock);
 }
 
 int init_dfrc_if(void) {

@@ -1,12 +1,12 @@
 #include "features/low_power_mode.h"
 
-#include <atomic>
+#include <pthread.h>
 
 #include "core/log.h"
 #include "core/timer.h"
-#include "features/thermal_engine.h"
 #include "resource/fps_manager.h"
 #include "resource/requestor.h"
+#include "resource/thermal_engine.h"
 
 namespace {
 
@@ -18,13 +18,15 @@ constexpr int32_t extreme_fps = 30;
 constexpr int32_t no_cap = -1;
 
 constinit struct {
-    std::atomic<bool> lpm_supported = false;
-    std::atomic<int32_t> lpm_on = 0;
-    std::atomic<int32_t> lpm_mode = 0;
+    bool lpm_supported = false;  // set at load time, before there is another thread
+    pthread_mutex_t lpm_lock = PTHREAD_MUTEX_INITIALIZER;
+    int32_t lpm_on = 0;    // under lpm_lock
+    int32_t lpm_mode = 0;  // under lpm_lock
 } lpm;
 
+// With lpm_lock held, as the switches that follow.
 bool is_level_on(int32_t level) {
-    return lpm.lpm_on.load() != 0 && lpm.lpm_mode.load() == level;
+    return lpm.lpm_on != 0 && lpm.lpm_mode == level;
 }
 
 void switch_frequencies(int32_t low, int32_t extreme) {
@@ -35,26 +37,32 @@ void switch_frequencies(int32_t low, int32_t extreme) {
 }  // namespace
 
 void cb_set_lpm(void) {
-    if (!is_level_on(level_low))
-        return;
-    log_static(debug_features, "LPM set");
-    switch_frequencies(1, 0);
+    pthread_mutex_lock(&lpm.lpm_lock);
+    if (is_level_on(level_low)) {
+        log_static(debug_features, "LPM set");
+        switch_frequencies(1, 0);
+    }
+    pthread_mutex_unlock(&lpm.lpm_lock);
 }
 
 void cb_set_elpm(void) {
-    if (!is_level_on(level_extreme))
-        return;
-    log_static(debug_features, "ELPM set");
-    switch_frequencies(0, 1);
+    pthread_mutex_lock(&lpm.lpm_lock);
+    if (is_level_on(level_extreme)) {
+        log_static(debug_features, "ELPM set");
+        switch_frequencies(0, 1);
+    }
+    pthread_mutex_unlock(&lpm.lpm_lock);
 }
 
 int set_lpm_mode(int32_t on, int32_t mode, int32_t fps_cap) {
-    if (!lpm.lpm_supported.load())
+    if (!lpm.lpm_supported)
         return 0;
     log_static(debug_features, "LPM : %d %d %d", on, mode, fps_cap);
-    lpm.lpm_on.store(on);
-    lpm.lpm_mode.store(mode);
+    pthread_mutex_lock(&lpm.lpm_lock);
+    lpm.lpm_on = on;
+    lpm.lpm_mode = mode;
     switch_frequencies(0, 0);
+    pthread_mutex_unlock(&lpm.lpm_lock);
     if (on != 0 && mode == level_extreme)
         add_timer_event(timer_elpm, extreme_delay_ms, cb_set_elpm);
     else if (on != 0 && mode == level_low)
@@ -64,12 +72,15 @@ int set_lpm_mode(int32_t on, int32_t mode, int32_t fps_cap) {
 }
 
 int32_t get_lpm_mode(void) {
-    return lpm.lpm_supported.load() && lpm.lpm_on.load() != 0 ? lpm.lpm_mode.load() : 0;
+    pthread_mutex_lock(&lpm.lpm_lock);
+    const int32_t level = lpm.lpm_on != 0 ? lpm.lpm_mode : 0;
+    pthread_mutex_unlock(&lpm.lpm_lock);
+    return level;
 }
 
 void init_lpm_config(void) {
     if (init_thermal_engine_support() != 0)
         return;
     log_info("LPM Enabled");
-    lpm.lpm_supported.store(true);
+    lpm.lpm_supported = true;
 }

@@ -2,7 +2,9 @@
 // after a settling delay; the extreme level may cap the frame rate.
 //
 // The client listener switches, the timer thread (slots 3 and 4) ends the delay, any thread may
-// ask. The three values are single words without a lock.
+// ask. `lpm_lock` makes one step of a level with the switches that hang on it, so that an expiry
+// action never switches on what has just been left. It is taken after the timer lock: nothing is
+// armed under it, and nothing else is locked there.
 #pragma once
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "features/merlak_if.h"
 
 #include "core/event_manager.h"
-#include "ipc/merlak_client.h"
+#include "ipc/outbound/merlak_client.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "features/profile_controller.h"
 
+#include <assert.h>
 #include <cutils/properties.h>
 #include <errno.h>
 #include <pthread.h>
@@ -188,6 +189,7 @@ int read_props() {
 }  // namespace
 
 void check_current_profile(uint32_t slot, int32_t profile) {
+    assert(slot < profile_slots);
     pthread_mutex_lock(&controller.lock);
     if (controller.profile_request[slot] != profile) {
         controller.profile_request[slot] = profile;

@@ -102,8 +102,8 @@ void init_profile_manager_ext(void) {
         log_error("Failed to get qcopt handle.\n");
         return;
     }
-    library.perf_lock_use_profile =
-        reinterpret_cast<int (*)(int, int)>(dlsym(library.handle, "perf_lock_use_profile"));
+    library.perf_lock_use_profile = reinterpret_cast<int (*)(int, int)>(
+        device_library_symbol(library.handle, "perf_lock_use_profile"));
     if (library.perf_lock_use_profile == nullptr)
         log_error("Unable to get perf_lock_use_profile function handle.\n");
 }

@@ -5,8 +5,8 @@
 #include "context/app_context.h"
 #include "core/event_manager.h"
 #include "features/custom_config.h"
-#include "features/thermal_engine.h"
 #include "features/timed_mitigation.h"
+#include "resource/thermal_engine.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 #include "core/log.h"
 #include "core/text.h"
 #include "fia/clock_manager.h"
+#include "fia/mode.h"
 #include "fia/records.h"
 #include "fia/scenes.h"
 #include "fia/statistics.h"
@@ -62,11 +63,13 @@ int fia_create_records(void) {
         return -ENOMEM;
     }
     fia_stats_init(fia.stats);
-    fia.data->mode = fia_mode_suspended;
+    fia_enter_suspended();
     return 0;
 }
 
 void fia_free_activities(void) {
+    if (fia.data != nullptr)
+        fia.data->running = 0;
     for (int32_t i = 0; fia.activities != nullptr && i < fia_activity_count; ++i) {
         fia_activity *entry = &fia.activities[i];
         fia_remove_all_scenes(entry);

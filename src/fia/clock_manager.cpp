@@ -1,5 +1,6 @@
 #include "fia/clock_manager.h"
 
+#include <assert.h>
 #include <errno.h>
 #include <string.h>
 
@@ -80,6 +81,25 @@ bool can_fall(const clock_node *node) {
     return node->level + node->config->downstep < node->level_limit;
 }
 
+uint32_t level_above(const clock_node *node) {
+    return node->level - node->config->upstep;
+}
+
+uint32_t level_below(const clock_node *node) {
+    return node->level + node->config->downstep;
+}
+
+// One way that levels move: in which rotation, who can, where to, and what is said when nobody can.
+struct direction {
+    clock_node *(*walk)(const clock_node *);
+    bool (*can_move)(const clock_node *);
+    uint32_t (*next_level)(const clock_node *);
+    const char *exhausted;
+};
+
+constexpr direction upwards = {walk_backward, can_rise, level_above, "All Max Freq"};
+constexpr direction downwards = {walk_forward, can_fall, level_below, "All Min Freq"};
+
 // The next eligible resource from `node` on, `node` included; null when there is none.
 clock_node *find_eligible(clock_node *node, clock_node *(*walk)(const clock_node *)) {
     clock_node *found = node;
@@ -92,28 +112,26 @@ clock_node *find_eligible(clock_node *node, clock_node *(*walk)(const clock_node
 }
 
 // One step of one resource. 0, -EINVAL, or 1 when no resource can move any further.
-int32_t step_one(clock_node *start, clock_node *(*walk)(const clock_node *),
-                 bool (*can_move)(const clock_node *), bool up) {
-    start = find_eligible(start, walk);
+int32_t step_one(clock_node *start, const direction &way) {
+    start = find_eligible(start, way.walk);
     if (start == nullptr)
         return -EINVAL;
     clock_node *node = start;
-    while (!is_eligible(node) || !can_move(node)) {
-        node = walk(node);
+    while (!is_eligible(node) || !way.can_move(node)) {
+        node = way.walk(node);
         if (node == start) {
-            log_debug(debug_features, "%s", up ? "All Max Freq" : "All Min Freq");
+            log_debug(debug_features, "%s", way.exhausted);
             return 1;
         }
     }
-    const uint32_t level =
-        up ? node->level - node->config->upstep : node->level + node->config->downstep;
-    if (apply_level(node, level) != 0)
+    if (apply_level(node, way.next_level(node)) != 0)
         return -EINVAL;
     clocks.clock_cursor = node;
     return 0;
 }
 
 void count_hit(clock_node *node) {
+    assert(node->level < node->config->freq_count);
     const uint32_t hits = ++node->level_hits[node->level];
     const uint32_t threshold = node->config->lock_threshold;
     if (threshold > 0 && hits >= threshold) {
@@ -240,9 +258,8 @@ int32_t fia_clock_scale_freq(int32_t step) {
         clocks.clock_cursor = clocks.clock_tail;
     for (; step != 0; step += step > 0 ? -1 : 1) {
         clock_node *cursor = clocks.clock_cursor;
-        const int32_t result = step > 0
-                                   ? step_one(cursor, walk_backward, can_rise, true)
-                                   : step_one(walk_forward(cursor), walk_forward, can_fall, false);
+        const int32_t result =
+            step > 0 ? step_one(cursor, upwards) : step_one(walk_forward(cursor), downwards);
         if (result != 0)
             return result < 0 ? result : 0;
     }

@@ -1,5 +1,5 @@
-// The built-in figures of the frame interval analysis: the frequency levels of the two CPU clusters
-// and the GPU, and the analyser's tunables. Constant data; any thread may call.
+// The figures of the frame interval analysis as it takes them: the frequency levels of the two CPU
+// clusters and the GPU, and its tunables. Constant data; any thread may call.
 #pragma once
 
 #include <cstdint>

@@ -1,7 +1,10 @@
 #include "fia/interval_decision.h"
 
 #include "core/log.h"
+#include "fia/active_mode.h"
 #include "fia/clock_manager.h"
+#include "fia/mode.h"
+#include "fia/period.h"
 #include "fia/pilot.h"
 #include "fia/records.h"
 #include "fia/scenes.h"
@@ -9,68 +12,18 @@
 
 namespace {
 
-// Periods in intervals, before the tunables divide them.
-constexpr int32_t jank_intervals = 30;
-constexpr int32_t average_intervals = 60;
-constexpr int32_t report_intervals = 300;
-
-constexpr int32_t retry_max = 10;        // measurements that may be restarted
-constexpr uint32_t fps_frames_min = 5;   // before a frame rate counts
-constexpr int32_t poor_reports_max = 2;  // that only raise the caps
-constexpr int32_t jank_thresh_min = 5;
-
-// The interval that is being decided on.
-struct interval {
-    uint64_t mean;
-    uint64_t var;
-    uint32_t bucket;  // fia_no_bucket: out of every bucket table
-};
-
-// Janks of the current report period; under `fia_mutex`.
-constinit uint32_t jank_report_cnt = 0;
-
-int32_t percent(uint32_t part, uint32_t whole) {
-    return whole != 0 ? static_cast<int32_t>(part * 100) / static_cast<int32_t>(whole) : 0;
-}
-
-void step_caps(int32_t step) {
-    fia_data *data = fia.data;
-    fia_clock_scale_freq(step);
-    data->fps_frames = 0;
-    data->fps_interval_sum = 0;
-    data->fps = static_cast<uint32_t>(data->cur->target_fps);
-}
-
-void raise_one_step() {
-    step_caps(get_freq_upstep(fia.data->cur->target_fps, fia.data->fps));
-}
-
-void lower_one_step() {
-    step_caps(get_freq_downstep(fia.data->cur->target_fps, fia.data->fps));
-}
-
-// Leaves AM for a new measurement; the scene remembers the levels that it had reached.
-void restart_pilot_from_active() {
-    fia_activity *cur = fia.data->cur;
-    raise_one_step();
-    fia_clock_get_freq(cur->rsc_max, cur->rsc_idx);
-    fia.data->restarted = 1;
-    fia_pilot_start();
-}
-
-// ---- pilot measurement
+// Between two looks at the remembered scenes, in intervals before the tunables divide them.
+constexpr int32_t scene_check_intervals = 300;
 
 void finish_measurement() {
-    fia_data *data = fia.data;
     if (fia_pilot_evaluate() == fia_verdict_complete) {
-        data->cur = fia_store_scene();
+        fia_use_record(fia_store_scene());
         fia_active_start();
-    } else if (data->pm_retry >= retry_max) {
-        log_info("PM Over:%d", retry_max);
+    } else if (fia.data->pm_retry >= fia_retry_max) {
+        log_info("PM Over:%d", fia_retry_max);
         fia_active_start();
     } else {
-        ++data->pm_retry;
-        log_info("PM Restart! Retry : %d", data->pm_retry);
+        log_info("PM Restart! Retry : %d", fia_count_retry());
         fia_pilot_start();
     }
 }
@@ -80,208 +33,35 @@ bool resume_known_scene() {
     fia_activity *scene = fia_select_scene();
     if (scene == nullptr)
         return false;
-    fia.data->cur = scene;
+    fia_use_record(scene);
     fia_clock_set_freq(scene->rsc_max, scene->rsc_idx);
     fia_active_start();
     return true;
 }
 
-void measure(const interval &now) {
-    fia_data *data = fia.data;
+void measure(const fia_interval &now) {
     const bool has_bucket = now.bucket != fia_no_bucket;
     if (has_bucket)
         fia_current_entry()->pilot->cur_bucket = now.bucket;
-    ++data->frame_total;
+    fia_count_total();
     if (has_bucket)
         fia_count_scene_hits(now.bucket, now.var);
-    if (fia_is_period_end(fia_period(report_intervals)) && resume_known_scene())
+    if (fia_is_period_end(fia_period(scene_check_intervals)) && resume_known_scene())
         return;
-    if (data->frame_cnt > fia_period(fia_pm_length))
+    if (fia.data->frame_cnt > fia_period(fia_pm_length))
         finish_measurement();
     else if (has_bucket)
         fia_pilot_accumulate(now.var);
 }
 
-// ---- active mode, every interval
-
-// Frame rate since the last change of a cap; far below the scene's usual one it raises the caps.
-void check_frame_rate() {
-    fia_data *data = fia.data;
-    ++data->fps_frames;
-    data->fps_interval_sum += static_cast<uint32_t>(fia_stats_oldest(fia.stats));
-    if (data->fps_interval_sum == 0)
-        return;
-    data->fps = data->fps_frames * 1000000 / 10 / data->fps_interval_sum;
-
-    const fia_pilot_table *pilot = data->cur->pilot;
-    const uint32_t usual_fps = pilot->elems[pilot->msi].fps;
-    const uint32_t target = static_cast<uint32_t>(get_target_thresh(
-        data->cur->target_fps,
-        static_cast<int32_t>(fia_margin(fia.tunables->upstep_margin_percent, usual_fps))));
-    if (data->fps < target && data->fps_frames >= fps_frames_min) {
-        log_info("FT: %d F: %d", static_cast<int>(target), static_cast<int>(data->fps));
-        raise_one_step();
-    }
-}
-
-int32_t hold_threshold() {
-    return static_cast<int32_t>(
-        fia_margin(fia.tunables->margin_percent, fia_current_entry()->pilot->h));
-}
-
-void count_hit(const interval &now) {
-    fia_data *data = fia.data;
-    data->hold_thresh = hold_threshold();
-    ++data->frame_total;
-    if (now.bucket == fia_no_bucket)
-        return;
-    fia_current_entry()->pilot->cur_bucket = now.bucket;
-    data->cur->pilot->cur_bucket = now.bucket;
-    if (fia_bucket_fits(data->cur->pilot, now.bucket, now.var))
-        ++data->hit_cnt;
-}
-
-// Counts a jank; at most one a jank period raises the caps.
-void handle_jank(fia_activity *cur) {
-    ++cur->jank_streak;
-    ++cur->jank;
-    ++jank_report_cnt;
-    if (fia_clock_is_maxfreq() != 0 || cur->jank_upsteps > 0 || cur->jank <= cur->jank_thresh)
-        return;
-    log_debug(debug_features, "J: %d, JT: %d", cur->jank, cur->jank_thresh);
-    raise_one_step();
-    ++cur->jank_upsteps;
-}
-
-void check_jank(const interval &now) {
-    fia_activity *cur = fia.data->cur;
-    if (now.bucket != fia_no_bucket) {
-        if (now.mean != 0 && !fia_bucket_fits(cur->pilot, now.bucket, now.var)) {
-            handle_jank(cur);
-        } else if (cur->jank_streak != 0) {
-            log_debug(debug_features, "Successive Jank: %d", cur->jank_streak);
-            cur->jank_streak = 0;
-        }
-    }
-    if (fia_is_period_end(fia_period(jank_intervals))) {
-        cur->jank = 0;
-        cur->jank_upsteps = 0;
-    }
-}
-
-void update_moving_averages(const interval &now) {
-    fia_data *data = fia.data;
-    if (!fia_is_period_end(fia_period(average_intervals)))
-        return;
-    if (static_cast<uint32_t>(data->mv_idx) >= fia_average_slots) {
-        log_error("mv index is out of bound: %d", data->mv_idx);
-        return;
-    }
-    uint64_t &mean = data->mean_hist[data->mv_idx];
-    data->mean_sum += now.mean - mean;
-    data->cur->m_active = data->mean_sum / fia_average_slots;
-    mean = now.mean;
-
-    uint64_t &var = data->var_hist[data->mv_idx];
-    data->var_sum += now.var - var;
-    data->cur->v_active = data->var_sum / fia_average_slots;
-    var = now.var;
-    data->mv_idx = data->mv_idx < fia_average_slots - 1 ? data->mv_idx + 1 : 0;
-}
-
-// ---- active mode, the report
-
-// A profile that never completed does not lower the caps, until a scene change.
-void lower_while_held() {
-    fia_data *data = fia.data;
-    data->hold_thresh = hold_threshold();
-    if (data->pm_retry < retry_max && data->hit_rate >= data->hold_thresh)
-        lower_one_step();
-}
-
-// Three reports below the low threshold in a row, or three below the hold threshold since the last
-// good one, end AM; the first two only raise the caps.
-void apply_bands() {
-    fia_data *data = fia.data;
-    if (data->hit_rate < data->low_thresh) {
-        if (data->low_cnt++ < poor_reports_max) {
-            raise_one_step();
-        } else {
-            log_info("SC2! PM Start");
-            restart_pilot_from_active();
-        }
-        ++data->below_cnt;
-    } else if (data->hit_rate >= data->hold_thresh) {
-        data->low_cnt = 0;
-        data->below_cnt = 0;
-    } else {
-        if (data->below_cnt++ < poor_reports_max) {
-            raise_one_step();
-        } else {
-            log_info("PM is required! PM Start");
-            restart_pilot_from_active();
-        }
-        data->low_cnt = 0;
-    }
-}
-
-void update_jank_threshold() {
-    fia_activity *cur = fia.data->cur;
-    cur->jank_period = fia_period(jank_intervals);
-    const int32_t threshold =
-        (100 - fia.data->hold_thresh) * cur->jank_period / 100 + fia.tunables->thresh_bias;
-    cur->jank_thresh = threshold + (threshold - get_target_thresh(cur->target_fps, threshold));
-    if (cur->jank_thresh < jank_thresh_min)
-        cur->jank_thresh = jank_thresh_min;
-}
-
-// The period's balance. A measurement may have been restarted on the way; the rest then goes on
-// with the values from before and with the entry as `cur`.
-void report() {
-    fia_data *data = fia.data;
-    data->hit_rate = percent(data->hit_cnt, data->frame_total);
-    log_info("%d%% (%d/%d) H", data->hit_rate, static_cast<int>(data->hit_cnt),
-             static_cast<int>(data->frame_total));
-    data->low_thresh = static_cast<int32_t>(
-        fia_margin(fia.tunables->hold_margin_percent, fia_current_entry()->pilot->h));
-    lower_while_held();
-    if (fia_is_scene_changed() != 0) {
-        restart_pilot_from_active();
-        log_info("SC1! PM Start");
-    }
-    apply_bands();
-    update_jank_threshold();
-    log_debug(debug_features, "%d%% (%d/%d) Jank!", percent(jank_report_cnt, data->frame_total),
-              static_cast<int>(jank_report_cnt), static_cast<int>(data->frame_total));
-    jank_report_cnt = 0;
-    data->hit_cnt = 0;
-    data->frame_total = 0;
-    data->frame_cnt = 0;
-}
-
-void decide_active(const interval &now) {
-    if (fia.data->cur == nullptr) {
-        log_error("No current activity data");
-        return;
-    }
-    check_frame_rate();
-    count_hit(now);
-    check_jank(now);
-    update_moving_averages(now);
-    if (fia.data->frame_cnt > fia_period(report_intervals))
-        report();
-}
-
 void decide(int32_t interval_us) {
-    fia_data *data = fia.data;
     if (fia_stats_add(fia.stats, interval_us) != 0)
         return;
-    // Counted on while suspended, for as long as that lasts; it may wrap.
-    data->frame_cnt = static_cast<int32_t>(static_cast<uint32_t>(data->frame_cnt) + 1);
-    const interval now = {fia.stats->mean, fia.stats->var, fia_bucket(fia.stats->mean)};
-    if (data->mode == fia_mode_am)
-        decide_active(now);
-    else if (data->mode == fia_mode_pm)
+    fia_count_frame();
+    const fia_interval now = {fia.stats->mean, fia.stats->var, fia_bucket(fia.stats->mean)};
+    if (fia.data->mode == fia_mode_am)
+        fia_active_decide(now);
+    else if (fia.data->mode == fia_mode_pm)
         measure(now);
 }
 

@@ -1,7 +1,6 @@
 #include "fia/lifecycle.h"
 
 #include <errno.h>
-#include <unistd.h>
 
 #include "context/app_context.h"
 #include "core/event_manager.h"
@@ -9,15 +8,19 @@
 #include "fia/analyser_records.h"
 #include "fia/clock_manager.h"
 #include "fia/fbcn.h"
+#include "fia/mode.h"
+#include "fia/period.h"
 #include "fia/pilot.h"
 #include "fia/records.h"
 #include "fia/scenes.h"
+#include "platform/clock.h"
+#include "platform/recording.h"
 #include "platform/thread.h"
 #include "resource/hw_library.h"
 
 namespace {
 
-constexpr useconds_t idle_sleep_us = 500000;
+constexpr int64_t idle_sleep_us = 500000;
 
 // Reasons to be suspended, by the number of their lock bit.
 enum fia_lock : int {
@@ -116,28 +119,25 @@ void enter_foreground_activity() {
     const int32_t hash = fia_name_hash(name);
     const int32_t index = fia_is_activity_in_list(hash, name);
     if (index >= 0) {
-        fia.data->act_idx = index;
+        fia_use_activity(index);
         log_info("%s DETECT at %d", name, index);
     } else {
         log_info("%s NEW at %d", name, fia_save_activity(hash, name));
     }
-    fia.data->pm_retry = 0;
+    fia_allow_retries();
     fia_pilot_start();
 }
 
 // Saves where the activity stood, one step up, for the time when it comes back.
 void save_levels(fia_activity *cur) {
-    fia_data *data = fia.data;
     const uint32_t target_fps = static_cast<uint32_t>(cur->target_fps);
     fia_clock_scale_freq(get_freq_upstep(cur->target_fps, target_fps));
-    data->fps_frames = 0;
-    data->fps_interval_sum = 0;
-    data->fps = target_fps;
+    fia_restart_rate(cur->target_fps);
     fia_clock_get_freq(cur->rsc_max, cur->rsc_idx);
 }
 
 void suspend_running() {
-    fia_data *data = fia.data;
+    const fia_data *data = fia.data;
     fbcn_change_thresholds(all_ones, 0);
     if (data->cur == nullptr) {
         log_info("%s: No current activity data", "fia_suspend");
@@ -147,7 +147,7 @@ void suspend_running() {
         save_levels(data->cur);
     fia_clock_clear_freq();
     set_target(0);
-    data->mode = fia_mode_suspended;
+    fia_enter_suspended();
     log_info("FIA Suspended!");
 }
 
@@ -197,8 +197,6 @@ int fia_start_analyser(void) {
 }
 
 void fia_stop_analyser(void) {
-    if (fia.data != nullptr)
-        fia.data->running = 0;
     fia_free_activities();
     request_fbcn_en(0);
     fia_free_records();
@@ -206,9 +204,12 @@ void fia_stop_analyser(void) {
 }
 
 void *frame_interval_analyzer(void *) {
-    if (fia_start_analyser() == 0)
+    recording_begin(recorded_analyser);
+    const int result = fia_start_analyser();
+    recording_end();
+    if (result == 0)
         while (fia.data->running != 0)
-            usleep(idle_sleep_us);
+            clock_sleep_us(idle_sleep_us);
     fia_stop_analyser();
     return nullptr;
 }

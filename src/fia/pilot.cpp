@@ -1,11 +1,14 @@
 #include "fia/pilot.h"
 
+#include <assert.h>
 #include <inttypes.h>
 #include <stdlib.h>
 
 #include "core/log.h"
 #include "fia/clock_manager.h"
 #include "fia/fbcn.h"
+#include "fia/mode.h"
+#include "fia/period.h"
 
 namespace {
 
@@ -103,9 +106,8 @@ int compare(const void *a, const void *b) {
 }
 
 void fia_pilot_start(void) {
-    fia_data *data = fia.data;
-    fia_activity *entry = fia_current_entry();
-    data->cur = entry;
+    fia_enter_measuring();
+    fia_activity *entry = fia.data->cur;
     entry->sm_hits = 0;
     entry->sm_rate = 0;
 
@@ -124,13 +126,12 @@ void fia_pilot_start(void) {
         set_target(0);
     }
     fbcn_change_thresholds(0, 0);
-    data->frame_total = 0;
-    data->mode = fia_mode_pm;
-    data->frame_cnt = 0;
+    fia_restart_period();
 }
 
 void fia_pilot_accumulate(uint64_t var) {
     fia_pilot_table *pilot = fia_current_entry()->pilot;
+    assert(pilot->cur_bucket < fia_bucket_count);
     fia_pilot_elem *elem = &pilot->elems[pilot->cur_bucket];
     ++pilot->total_num;
     ++elem->num;
@@ -167,33 +168,6 @@ fia_verdict fia_pilot_evaluate(void) {
     if (pilot->h < static_cast<uint32_t>(fia.tunables->hit_rate_percent))
         return fia_verdict_poor;
     log_info("PM Complete!\n");
-    fia.data->restarted = 0;
+    fia_note_restart(false);
     return fia_verdict_complete;
-}
-
-int32_t fia_active_start(void) {
-    fia_data *data = fia.data;
-    if (data->cur == nullptr) {
-        log_error("No current activity data");
-        return 0;
-    }
-    data->mv_idx = 0;
-    data->hit_cnt = 0;
-    data->frame_total = 0;
-    data->low_cnt = 0;
-    data->mode = fia_mode_am;
-    data->below_cnt = 0;
-
-    // The averages start at the middle of the profile.
-    fia_activity *cur = data->cur;
-    cur->m_active = (cur->pilot->mmin + cur->pilot->mmax) / 2;
-    cur->v_active = (cur->pilot->vmin + cur->pilot->vmax) / 2;
-    data->mean_sum = cur->m_active * fia_average_slots;
-    data->var_sum = cur->v_active * fia_average_slots;
-    for (uint64_t &mean : data->mean_hist)
-        mean = cur->m_active;
-    for (uint64_t &var : data->var_hist)
-        var = cur->v_active;
-    data->frame_cnt = 0;
-    return set_target(cur->target_fps);
 }

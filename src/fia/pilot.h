@@ -23,7 +23,3 @@ fia_verdict fia_pilot_evaluate(void);
 
 // Orders 32-bit counts from the largest down, for qsort.
 int compare(const void *a, const void *b);
-
-// Enters AM on `cur`. The debug target's answer; 0 with a log line, the mode unchanged, without
-// one.
-int32_t fia_active_start(void);

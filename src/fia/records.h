@@ -173,6 +173,7 @@ void fia_pilot_init_elems(fia_pilot_elem *elems);
 // Gives a record an initialised pilot table. 0, or -ENOMEM with a log line and without one.
 int fia_create_pilot_table(fia_activity *record);
 
+// Frees it; a record without one is left alone.
 void fia_free_pilot_table(fia_activity *record);
 
 // Copies a measurement, with the name and the clock levels that go with it, into a record that owns

@@ -1,5 +1,6 @@
 #include "fia/scenes.h"
 
+#include <assert.h>
 #include <errno.h>
 #include <inttypes.h>
 #include <string.h>
@@ -11,6 +12,8 @@
 #include "core/text.h"
 #include "core/timer.h"
 #include "fia/clock_manager.h"
+#include "fia/mode.h"
+#include "fia/period.h"
 
 namespace {
 
@@ -69,6 +72,7 @@ void remove_counted_scene(fia_activity *entry, fia_activity *predecessor) {
 }
 
 void remove_oldest_scene(fia_activity *entry) {
+    assert(entry->next != nullptr);
     fia_activity *predecessor = entry;
     for (fia_activity *record = entry; record->next != nullptr; record = record->next)
         if (record->next->ts < predecessor->next->ts)
@@ -112,8 +116,12 @@ int32_t fia_is_activity_in_list(int32_t hash, const char *name) {
     return -1;
 }
 
+void fia_use_activity(int32_t index) {
+    fia.data->act_idx = index;
+}
+
 int32_t fia_save_activity(int32_t hash, const char *name) {
-    fia.data->act_idx = choose_slot(hash);
+    fia_use_activity(choose_slot(hash));
     fia_activity *entry = fia_current_entry();
     fia_remove_all_scenes(entry);
     log_debug(debug_features, "%s activity clear!", entry->name);
@@ -149,7 +157,7 @@ void fia_count_scene_hits(uint32_t bucket, uint64_t var) {
 
 fia_activity *fia_select_scene(void) {
     const uint32_t total = fia.data->frame_total;
-    fia.data->frame_total = 0;
+    fia_restart_total();
 
     fia_activity *best = nullptr;
     uint32_t best_rate = 0;
@@ -191,7 +199,7 @@ fia_activity *fia_store_scene(void) {
 }
 
 int32_t fia_is_scene_changed(void) {
-    fia_data *data = fia.data;
+    const fia_data *data = fia.data;
     if (data->cur == nullptr || data->mode != fia_mode_am)
         return 0;
     const fia_activity *cur = data->cur;
@@ -208,6 +216,6 @@ int32_t fia_is_scene_changed(void) {
         log_info("V Active: %" PRIu64 ", V Thresh: %" PRIu64, cur->v_active, v_thresh);
     else
         return 0;
-    data->pm_retry = 0;
+    fia_allow_retries();
     return 1;
 }

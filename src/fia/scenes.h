@@ -11,6 +11,9 @@ int32_t fia_name_hash(const char *name);
 // Index of the valid entry of that name, or -1.
 int32_t fia_is_activity_in_list(int32_t hash, const char *name);
 
+// Makes the entry at `index` the current activity's.
+void fia_use_activity(int32_t index);
+
 // Gives the activity an entry, at the expense of another where all are in use, and makes it
 // current. The entry's index.
 int32_t fia_save_activity(int32_t hash, const char *name);
@@ -33,5 +36,6 @@ fia_activity *fia_select_scene(void);
 // scene, or null with a log line when memory runs out; the chain is as it was then.
 fia_activity *fia_store_scene(void);
 
-// 1 if the moving averages have left the profile in use, else 0.
+// 1 if the moving averages have left the profile in use, which allows a new measurement all its
+// retries; else 0.
 int32_t fia_is_scene_changed(void);

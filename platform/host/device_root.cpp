@@ -6,6 +6,8 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+#include "platform/host/recording.h"
+
 int device_path(char *buffer, size_t size, const char *path) {
     const char *root = getenv("DVXD_ROOT");
     const int length =
@@ -19,7 +21,16 @@ int device_path(char *buffer, size_t size, const char *path) {
 void *device_library_open(const char *path, int flags) {
     char host_path[PATH_MAX];
     // Of a path that is too long nothing is left; the loader says that there is no such library.
-    if (device_path(host_path, sizeof(host_path), path) != 0)
-        return dlopen("/", flags);
-    return dlopen(host_path, flags);
+    const bool fits = device_path(host_path, sizeof(host_path), path) == 0;
+    void *library = dlopen(fits ? host_path : "/", flags);
+    recording_note_library(path, library != nullptr);
+    if (library != nullptr)  // else the reason of its failure stays
+        recording_observe_library(library);
+    return library;
+}
+
+void *device_library_symbol(void *library, const char *name) {
+    void *symbol = dlsym(library, name);
+    recording_note_library(name, symbol != nullptr);
+    return symbol;
 }

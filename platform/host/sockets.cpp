@@ -2,18 +2,17 @@
 #include <errno.h>
 #include <string.h>
 #include <sys/socket.h>
-#include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include <cstddef>
 
+#include "platform/host/recording.h"
+#include "platform/socket.h"
+
 namespace {
 
 constexpr int default_backlog = 4;
-
-// A service whose queue is full keeps its client waiting this long.
-constexpr timeval connect_timeout = {1, 0};
 
 using attach_operation = int (*)(int fd, const sockaddr *address, socklen_t length);
 
@@ -36,8 +35,6 @@ int open_attached(const char *name, int namespace_id, int type, attach_operation
     const int fd = socket(AF_UNIX, type | SOCK_CLOEXEC, 0);
     if (fd < 0)
         return -1;
-    if (attach == connect)
-        setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &connect_timeout, sizeof(connect_timeout));
     const socklen_t address_length =
         static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + length);
     if (attach(fd, reinterpret_cast<const sockaddr *>(&address), address_length) == 0)
@@ -57,5 +54,17 @@ extern "C" int socket_local_server(const char *name, int namespace_id, int type)
 }
 
 extern "C" int socket_local_client(const char *name, int namespace_id, int type) {
-    return open_attached(name, namespace_id, type, connect);
+    const int fd = open_attached(name, namespace_id, type, connect);
+    recording_note_connect(name, fd < 0 ? errno : 0);
+    return fd;
+}
+
+long socket_send(int fd, const void *message, size_t size) {
+    // A reader that has gone answers with an error, not with a signal.
+    const long result = send(fd, message, size, MSG_NOSIGNAL);
+    const int saved_errno = errno;
+    recording_note_message(message, size);
+    recording_note_sent(result, size);
+    errno = saved_errno;
+    return result;
 }

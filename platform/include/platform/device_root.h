@@ -10,3 +10,7 @@ int device_path(char *buffer, size_t size, const char *path);
 
 // Opens a library of the device as dlopen does: null on failure, with the reason in dlerror.
 void *device_library_open(const char *path, int flags);
+
+// An entry point of an open library, as dlsym does: null when it has none of that name, with the
+// reason in dlerror.
+void *device_library_symbol(void *library, const char *name);

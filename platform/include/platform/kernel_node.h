@@ -26,4 +26,5 @@ bool kernel_node_signalled(const struct kernel_node *node, short revents);
 // failed read leaves it empty.
 void kernel_node_read(const struct kernel_node *node, char *report, size_t size);
 
+// Closes what is open; the node may be opened again.
 void kernel_node_close(struct kernel_node *node);

@@ -1,0 +1,342 @@
+#include "platform/host/recording.h"
+
+#include <dlfcn.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <pthread.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <map>
+#include <string>
+
+#include "client/dvx_client.h"
+#include "platform/host/json_text.h"
+#include "platform/host/turns.h"
+#include "platform/recording.h"
+
+namespace {
+
+constexpr int format_version = 1;
+constexpr size_t size_max = size_t{2} << 30;  // bytes; days of a game
+
+// The happening that is under way, and what was answered last under each name.
+struct happening_state {
+    recorded_kind kind;
+    const void *taken;
+    int64_t begin_ns;
+    int questions;
+    std::string given;  // answers, as elements of an array
+    std::string out;    // whole lines
+    std::string connected;
+    std::map<std::string, std::string> properties;
+    std::map<std::string, std::string> answers;
+};
+
+constinit struct {
+    pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;  // held by whoever is at a happening
+    happening_state *now = nullptr;                    // under `lock`; made when the file is opened
+    int fd = -1;
+    size_t size = 0;
+} recording;
+
+thread_local bool at_happening = false;
+
+int64_t read_clock_ns(clockid_t clock) {
+    timespec now;
+    clock_gettime(clock, &now);
+    return static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec;
+}
+
+// A file that takes no more, or has become too large, ends with its last whole line; the daemon
+// goes on.
+void write_lines(const std::string &lines) {
+    if (recording.fd < 0)
+        return;
+    recording.size += lines.size();
+    errno = EFBIG;
+    if (recording.size <= size_max &&
+        write(recording.fd, lines.data(), lines.size()) == static_cast<ssize_t>(lines.size()))
+        return;
+    dprintf(STDERR_FILENO, "dvxd: the recording ends here: %s\n", strerror(errno));
+    close(recording.fd);
+    recording.fd = -1;
+}
+
+void append_text(std::string *line, const char *name, const char *text) {
+    *line += std::string(",\"").append(name).append("\":");
+    append_json_text(line, text, strlen(text));
+}
+
+void append_number(std::string *line, const char *name, int64_t number) {
+    line->append(",\"").append(name).append("\":").append(std::to_string(number));
+}
+
+std::string begin_line(int64_t time_ns, const char *thread) {
+    std::string line = "{\"t\":";
+    line += std::to_string(time_ns);
+    append_text(&line, "thread", thread);
+    return line;
+}
+
+bool open_file() {
+    const char *path = getenv("DVXD_RECORD");
+    if (path == nullptr || path[0] == '\0')
+        return false;
+    recording.fd = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0644);
+    if (recording.fd < 0) {
+        dprintf(STDERR_FILENO, "dvxd: cannot record to %s: %s\n", path, strerror(errno));
+        return false;
+    }
+    recording.now = new happening_state{};
+    std::string header = "{\"dvx_recording\":";
+    header += std::to_string(format_version);
+    append_text(&header, "daemon", DVX_VERSION);
+    append_text(&header, "order", "taken");
+    append_number(&header, "t", read_clock_ns(CLOCK_MONOTONIC));
+    append_number(&header, "wall_ns", read_clock_ns(CLOCK_REALTIME));
+    const char *root = getenv("DVXD_ROOT");
+    append_text(&header, "root", root != nullptr ? root : "");
+    write_lines(header + "}\n");
+    recording_observe_library(RTLD_DEFAULT);
+    return true;
+}
+
+// Whether what the calling thread does belongs to the happening under way.
+bool is_at_happening() {
+    return at_happening || turns_is_other();
+}
+
+void note_output(const char *name, const char *text, const std::string &more = {}) {
+    if (!recording_is_on())
+        return;
+    const bool inside = is_at_happening();
+    char own_name[16] = "";
+    if (!inside)
+        pthread_getname_np(pthread_self(), own_name, sizeof(own_name));
+    std::string line =
+        begin_line(read_clock_ns(CLOCK_MONOTONIC), inside ? turns_thread() : own_name);
+    append_text(&line, name, text);
+    line += more + (inside ? "}\n" : ",\"aside\":true}\n");
+    if (inside)
+        recording.now->out += line;
+    else
+        write_lines(line);
+}
+
+// Counts a question; its number where somebody is at a happening, else -1.
+int count_question() {
+    return recording_is_on() && is_at_happening() ? recording.now->questions++ : -1;
+}
+
+void note_given(int question, const char *word, const std::string &rest) {
+    std::string *given = &recording.now->given;
+    *given += given->empty() ? "[" : ",[";
+    given->append(std::to_string(question)).append(",\"").append(word).append("\"").append(rest);
+    *given += ']';
+}
+
+std::string numbered(int64_t number) {
+    return std::string(",").append(std::to_string(number));
+}
+
+std::string quoted(const char *text) {
+    std::string line = ",";
+    append_json_text(&line, text, strlen(text));
+    return line;
+}
+
+// Whether the bytes are a text of three letters or more with nothing behind it.
+bool is_text(const char *bytes, size_t size) {
+    const size_t length = strnlen(bytes, size);
+    for (size_t i = 0; i < size; ++i)
+        if (i < length ? static_cast<unsigned char>(bytes[i]) < ' ' : bytes[i] != '\0')
+            return false;
+    return length >= 3 && length < size;
+}
+
+void append_message(std::string *line, const dvx_message &message) {
+    const char *bytes = reinterpret_cast<const char *>(&message.payload);
+    const std::string client(message.client, strnlen(message.client, DVX_CLIENT_NAME_SIZE));
+    append_text(line, "client", client.c_str());
+    append_number(line, "code", message.code);
+    if (is_text(bytes, DVX_PAYLOAD_SIZE)) {
+        append_text(line, "text", bytes);
+        return;
+    }
+    int32_t values[DVX_PAYLOAD_VALUES];
+    memcpy(values, bytes, sizeof(values));
+    size_t count = DVX_PAYLOAD_VALUES;
+    while (count > 0 && values[count - 1] == 0)
+        --count;
+    *line += ",\"values\":[";
+    for (size_t i = 0; i < count; ++i)
+        line->append(i > 0 ? "," : "").append(std::to_string(values[i]));
+    *line += "]";
+}
+
+// A report as its number where that is all of it, else as text.
+void append_report(std::string *line, const char *report) {
+    char same[16];
+    const int interval_us = atoi(report);
+    snprintf(same, sizeof(same), "%d\n", interval_us);
+    if (recording.now->kind == recorded_interval && strcmp(report, same) == 0)
+        append_number(line, "us", interval_us);
+    else
+        append_text(line, "report", report);
+}
+
+void append_taken(std::string *line) {
+    const happening_state &now = *recording.now;
+    if (now.kind == recorded_message)
+        append_message(line, *static_cast<const dvx_message *>(now.taken));
+    else if (now.taken != nullptr)
+        append_report(line, static_cast<const char *>(now.taken));
+    if (!now.given.empty())
+        *line += ",\"given\":[" + now.given + "]";
+}
+
+}  // namespace
+
+const recorded_kind_words recorded_words[recorded_kinds] = {
+    {"dvxd", "load"},
+    {"dvxd", "start"},
+    {"fia", "analyser"},
+    {"client_listener", "message"},
+    {"kevent_monitor", "panel"},
+    {"kevent_monitor", "interval"},
+    {"timer", "timers"},
+    {"thermal_check", "thermal"},
+};
+
+bool recording_is_on(void) {
+    static const bool on = open_file();
+    return on;
+}
+
+void recording_begin(recorded_kind kind, const void *taken) {
+    if (!recording_is_on())
+        return;
+    pthread_mutex_lock(&recording.lock);
+    at_happening = true;
+    turns_set_thread(recorded_words[kind].thread);
+    happening_state *now = recording.now;
+    now->kind = kind;
+    now->taken = taken;
+    now->begin_ns = read_clock_ns(CLOCK_MONOTONIC);
+    now->questions = 0;
+    now->given.clear();
+    now->out.clear();
+}
+
+void recording_end(bool happened) {
+    if (!recording_is_on())
+        return;
+    turns_let_other_run();
+    const happening_state &now = *recording.now;
+    if (happened || !now.out.empty()) {
+        std::string lines = begin_line(now.begin_ns, recorded_words[now.kind].thread);
+        append_text(&lines, "in", recorded_words[now.kind].word);
+        append_taken(&lines);
+        write_lines(lines + "}\n" + now.out);
+    }
+    at_happening = false;
+    pthread_mutex_unlock(&recording.lock);
+}
+
+void recording_note_log(int priority, const char *tag, const char *text) {
+    // How an event travels is not noted: what its callbacks do is.
+    if (!recording_is_on() || strncmp(text, "Callback for ", strlen("Callback for ")) == 0)
+        return;
+    std::string more;
+    append_number(&more, "priority", priority);
+    append_text(&more, "tag", tag);
+    note_output("log", text, more);
+}
+
+void recording_note_property(const char *name, const char *value) {
+    if (!recording_is_on())
+        return;
+    if (is_at_happening())
+        recording.now->properties[name] = value;
+    note_output("prop", std::string(name).append(" ").append(value).c_str());
+}
+
+void recording_note_call(const char *call) {
+    note_output("hw", call);
+}
+
+void recording_note_message(const void *bytes, size_t size) {
+    if (!recording_is_on() || !is_at_happening())
+        return;
+    std::string hex = ",\"bytes\":\"";
+    for (size_t i = 0; i < size; ++i) {
+        char digits[3];
+        snprintf(digits, sizeof(digits), "%02x", static_cast<const unsigned char *>(bytes)[i]);
+        hex += digits;
+    }
+    note_output("service", recording.now->connected.c_str(), hex + "\"");
+}
+
+void recording_note_clock(int64_t now_ns) {
+    const int question = count_question();
+    if (question >= 0)
+        note_given(question, "clock", numbered(now_ns - recording.now->begin_ns));
+}
+
+void recording_note_lookup(const char *name, const char *value) {
+    const int question = count_question();
+    if (question < 0 || recording.now->properties[name] == value)
+        return;
+    recording.now->properties[name] = value;
+    note_given(question, "prop", quoted(name) + quoted(value));
+}
+
+void recording_note_answer(const char *name, const char *text) {
+    const int question = count_question();
+    if (question < 0)
+        return;
+    const auto last = recording.now->answers.find(name);
+    const bool known = last != recording.now->answers.end();
+    if (text == nullptr && known) {
+        recording.now->answers.erase(last);
+        note_given(question, "answer", quoted(name) + ",null");
+    } else if (text != nullptr && (!known || last->second != text)) {
+        recording.now->answers[name] = text;
+        note_given(question, "answer", quoted(name) + quoted(text));
+    }
+}
+
+void recording_note_library(const char *name, bool found) {
+    const int question = count_question();
+    if (question >= 0 && !found)
+        note_given(question, "missing", quoted(name));
+}
+
+void recording_note_connect(const char *socket, int error) {
+    const int question = count_question();
+    if (question < 0)
+        return;
+    recording.now->connected = socket;
+    if (error != 0)
+        note_given(question, "connect", quoted(socket) + numbered(error));
+}
+
+void recording_note_sent(long result, size_t size) {
+    const int question = count_question();
+    if (question >= 0 && result != static_cast<long>(size))
+        note_given(question, "send", numbered(result));
+}
+
+void recording_observe_library(void *library) {
+    using observer =
+        void (*)(void (*note_call)(const char *), void (*note_answer)(const char *, const char *));
+    if (recording.now == nullptr)
+        return;
+    const observer observe = reinterpret_cast<observer>(dlsym(library, "standin_observe"));
+    if (observe != nullptr)
+        observe(recording_note_call, recording_note_answer);
+}

@@ -2,9 +2,14 @@
  *
  * A call is one line "MONOTONIC_NS TID NAME ARG..." appended to $DVXD_ROOT/calls.log with one
  * write. The answer is 0, or what $DVXD_ROOT/hardware.conf says, read at each call: "NAME = VALUE",
- * or "NAME.ARG = VALUE" for calls whose first argument is that text. Any thread may call.
+ * or "NAME.ARG = VALUE" for calls whose first argument is that text. "NAME.delay_ms = MS" makes a
+ * call slow. In a process that simulates a daemon, both are the simulator's. Any thread may call.
  */
 #pragma once
+
+/* Has every call and every answer told to whoever records besides; null: none. */
+void standin_observe(void (*note_call)(const char *call),
+                     void (*note_answer)(const char *name, const char *text));
 
 /* Records a call; `format` and what follows write its arguments, each after a blank. */
 void standin_record(const char *name, const char *format, ...)

@@ -1,11 +1,13 @@
 #include "device/virtual_device.h"
 
+#include <cutils/properties.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
 #include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <string.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -17,6 +19,8 @@
 #include <fstream>
 #include <iterator>
 #include <sstream>
+
+#include "platform/host/property_files.h"
 
 namespace fs = std::filesystem;
 
@@ -34,11 +38,6 @@ constexpr char default_conf[] =
 
 // A device to look at shows its events.
 constexpr char default_debug[] = "1\n";
-
-std::string read_file(const std::string &path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 bool write_file(const std::string &path, const std::string &content) {
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
@@ -72,26 +71,26 @@ bool create_node(const std::string &path) {
 // The process whose number stands in the file, as long as it is a program of this name: the number
 // may be another's by now.
 int running_process(const std::string &pid_path, const std::string &name) {
-    const int pid = atoi(read_file(pid_path).c_str());
-    if (pid <= 0 || kill(pid, 0) != 0)
+    const int pid = atoi(device_read_file(pid_path).c_str());
+    if (pid <= 0)
         return 0;
     // "PID (NAME) STATE ...": one that has ended but has not been waited for does not run.
-    const std::string status = read_file("/proc/" + std::to_string(pid) + "/stat");
+    const std::string status = device_read_file("/proc/" + std::to_string(pid) + "/stat");
     const std::string running = std::to_string(pid) + " (" + name + ") ";
     return status.starts_with(running) && status[running.size()] != 'Z' ? pid : 0;
 }
 
 // Starts a program with what it says going to a file of the device.
-int start_program(const std::string &root, const std::vector<std::string> &words,
-                  const char *output, const char *pid_file, bool die_with_me) {
+int start_program(const std::string &root, std::vector<std::string> words, const char *output,
+                  const char *pid_file, bool die_with_me) {
     const std::string path = root + output;
     const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0644);
     if (fd < 0)
         return -errno;
     std::vector<char *> arguments;
     arguments.reserve(words.size() + 1);
-    for (const std::string &word : words)
-        arguments.push_back(const_cast<char *>(word.c_str()));
+    for (std::string &word : words)
+        arguments.push_back(word.data());
     arguments.push_back(nullptr);
     const pid_t pid = fork();
     if (pid == 0) {
@@ -104,6 +103,7 @@ int start_program(const std::string &root, const std::vector<std::string> &words
         dup2(null_fd, STDOUT_FILENO);
         dup2(fd, STDERR_FILENO);
         setenv("DVXD_ROOT", root.c_str(), 1);
+        setenv("DVXD_LOG", "usec", 1);  // so that the timeline can tell causes from effects
         execvp(arguments[0], arguments.data());
         dprintf(STDERR_FILENO, "cannot run %s\n", arguments[0]);
         _exit(127);
@@ -117,6 +117,23 @@ int start_program(const std::string &root, const std::vector<std::string> &words
 }
 
 }  // namespace
+
+std::string device_read_file(const std::string &path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+int64_t device_file_size(const std::string &path) {
+    std::error_code error;
+    const auto size = fs::file_size(path, error);
+    return error ? 0 : static_cast<int64_t>(size);
+}
+
+void device_set_answer(const std::string &root, const std::string &name, const std::string &value) {
+    // The line that comes first counts.
+    const std::string rest = device_read_file(root + device_conf);
+    write_file(root + device_conf, name + " = " + value + "\n" + rest);
+}
 
 std::string sibling_program(const std::string &name) {
     return directory_of_program() + "/" + name;
@@ -136,8 +153,10 @@ std::string device_create(const std::string &root, const std::string &image) {
         kill(device_services_process(root), SIGTERM);
     std::error_code error;
     fs::remove_all(root, error);
-    fs::create_directories(root + "/properties", error);
-    fs::copy(image, root, fs::copy_options::recursive, error);
+    if (!error)
+        fs::create_directories(root + "/properties", error);
+    if (!error)
+        fs::copy(image, root, fs::copy_options::recursive, error);
     if (error)
         return "cannot lay out " + root + ": " + error.message();
     if (!write_file(root + "/" + marker, "") || !write_file(root + device_calls_log, "") ||
@@ -148,7 +167,7 @@ std::string device_create(const std::string &root, const std::string &image) {
                     "/vendor/lib64/libqcopt.so\n") ||
         !write_file(root + "/properties/debug.dvxd_log.enable", default_debug) ||
         !create_node(root + device_panel_node) || !create_node(root + device_interval_node))
-        return "cannot write below " + root;
+        return "cannot write below " + root + ": " + strerror(errno);
     return {};
 }
 
@@ -157,9 +176,26 @@ bool device_exists(const std::string &root) {
     return fs::exists(root + "/" + marker, error);
 }
 
+std::string device_property(const std::string &root, const std::string &name) {
+    char value[PROPERTY_VALUE_MAX];
+    property_file_read((root + "/properties").c_str(), name.c_str(), value);
+    return value;
+}
+
+bool device_set_property(const std::string &root, const std::string &name,
+                         const std::string &value) {
+    return property_file_write((root + "/properties").c_str(), name.c_str(), value.c_str()) == 0;
+}
+
+int64_t device_now_ns(void) {
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec;
+}
+
 bool device_hide_symbol(const std::string &library, const std::string &symbol) {
     // The loader compares names: one with another first letter is never found.
-    std::string content = read_file(library);
+    std::string content = device_read_file(library);
     const std::string name = '\0' + symbol + '\0';
     bool found = false;
     for (size_t at = content.find(name); at != std::string::npos; at = content.find(name, at + 1)) {
@@ -219,7 +255,7 @@ device_start_result device_wait_until_started(const std::string &root, int pid, 
     constexpr timespec pause = {0, 5000000};
     constexpr int pause_ms = 5;
     for (int waited_ms = 0; waited_ms < timeout_ms; waited_ms += pause_ms) {
-        if (read_file(root + device_daemon_log).find(started_line) != std::string::npos)
+        if (device_read_file(root + device_daemon_log).find(started_line) != std::string::npos)
             return device_started;
         int status;
         if (waitpid(pid, &status, WNOHANG) == pid || kill(pid, 0) != 0)
@@ -238,15 +274,9 @@ int device_services_process(const std::string &root) {
 }
 
 std::string device_append_note(const std::string &path, std::string text) {
-    timespec now;
-    clock_gettime(CLOCK_MONOTONIC, &now);
     std::replace_if(
         text.begin(), text.end(), [](unsigned char c) { return c < ' '; }, '?');
-    const std::string line =
-        std::to_string(static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec)
-            .append(" ")
-            .append(text)
-            .append("\n");
+    const std::string line = std::to_string(device_now_ns()).append(" ").append(text).append("\n");
     const int fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
     if (fd >= 0) {
         [[maybe_unused]] const ssize_t written = write(fd, line.data(), line.size());

@@ -11,6 +11,7 @@
 inline constexpr char device_calls_log[] = "/calls.log";        // what the libraries were asked
 inline constexpr char device_messages_log[] = "/messages.log";  // what dvxctl sent
 inline constexpr char device_daemon_log[] = "/dvxd.log";        // standard error of the daemon
+inline constexpr char device_recording[] = "/recording.jsonl";  // what the daemon notes
 inline constexpr char device_daemon_pid[] = "/dvxd.pid";
 inline constexpr char device_services_log[] = "/services.log";  // what the daemon told services
 inline constexpr char device_services_pid[] = "/services.pid";
@@ -28,6 +29,15 @@ std::string device_create(const std::string &root, const std::string &image);
 
 // Whether a device has been laid out at `root`.
 bool device_exists(const std::string &root);
+
+// A system property of the device: its value, empty where it is not set; and setting it, false for
+// a name or a value that no property can have or that could not be stored.
+std::string device_property(const std::string &root, const std::string &name);
+bool device_set_property(const std::string &root, const std::string &name,
+                         const std::string &value);
+
+// Nanoseconds of this host's monotonic clock, which the device's files are dated by.
+int64_t device_now_ns(void);
 
 // Makes one symbol of a device's library unfindable. False when the library has none of that name.
 bool device_hide_symbol(const std::string &library, const std::string &symbol);
@@ -52,6 +62,7 @@ int device_start_daemon(const std::string &root, const std::string &daemon,
 // Starts the stand-ins of the three services that the daemon talks to.
 int device_start_services(const std::string &root, bool die_with_me = false);
 
+// Waits until the daemon has logged that it serves, for at most `timeout_ms`; failed: it has ended.
 enum device_start_result { device_started, device_start_failed, device_start_timeout };
 device_start_result device_wait_until_started(const std::string &root, int pid, int timeout_ms);
 
@@ -65,6 +76,15 @@ std::string sibling_program(const std::string &name);
 // Appends a line to a file of the device with the time of the monotonic clock before it, in
 // nanoseconds. What could forge a line is replaced; the text as it was noted.
 std::string device_append_note(const std::string &path, std::string text);
+
+// A whole file; empty where it cannot be read.
+std::string device_read_file(const std::string &path);
+
+// How many bytes a file has; 0 where there is none.
+int64_t device_file_size(const std::string &path);
+
+// Lets a library call answer `value` from now on: "NAME" or "NAME.ARGUMENT" in the device's file.
+void device_set_answer(const std::string &root, const std::string &name, const std::string &value);
 
 // The lines of a text file of the device from `*offset` on, which moves behind the last whole line.
 std::vector<std::string> device_read_lines(const std::string &path, int64_t *offset);

@@ -1,148 +1,133 @@
 #include "tools/day.h"
 
-#include <signal.h>
 #include <stdio.h>
-#include <string.h>
-#include <unistd.h>
+#include <stdlib.h>
 
 #include <algorithm>
-#include <atomic>
-#include <map>
-#include <thread>
-#include <vector>
+#include <fstream>
+#include <utility>
 
-#include "core/timer.h"
 #include "device/virtual_device.h"
-#include "tools/day_steps.h"
-#include "tools/timeline.h"
+#include "tools/delivery.h"
+#include "tools/effects.h"
+#include "tools/play.h"
+#include "tools/report/report.h"
+#include "tools/timeline_printer.h"
 
 namespace {
 
-constexpr int start_timeout_ms = 5000;
-constexpr useconds_t poll_pause_us = 20000;
+// The day's scenario, beside the programs.
+constexpr char day_file[] = "../share/dvxd/day.scenario";
 
-// Log lines worth a person's look; the rest is the daemon's book-keeping.
-constexpr const char *telling_lines[] = {
-    "CF",    "PM : ", "PM ",      "H=",   "FT: ", "J: ",       "SC",
-    "SM at", "FIA ",  "Escaping", "fail", "Fail", "Game tuner"};
+// What is told of the present step.
+struct telling {
+    bool all = false;  // the whole timeline
+    int steps = 0;
+    effects present;
+    std::string mode;             // the app mode that was told last
+    std::vector<effect> changes;  // one a setting, its values in a row
+    timeline line;                // where the day began
+    timeline_printer printer;
+};
 
-bool is_telling(const timeline_entry &entry) {
-    if (entry.kind != timeline_log)
-        return true;
-    if (entry.text.ends_with(" H"))
-        return true;
-    return std::any_of(std::begin(telling_lines), std::end(telling_lines),
-                       [&](const char *start) { return entry.text.starts_with(start); });
+telling today;
+
+// Keeps a change with those before it of the same setting: "45 -> 60 -> 45"; what a service is told
+// stands behind what it was told before.
+void keep_change(std::vector<effect> *changes, effect change, bool is_told) {
+    if (is_told)
+        change = {"tells the " + change.setting.substr(0, change.setting.find(',')), "",
+                  change.value, ""};
+    for (effect &kept : *changes)
+        if (kept.setting == change.setting) {
+            kept.value += (is_told ? ", " : " -> ") + change.value;
+            return;
+        }
+    changes->push_back(change);
 }
 
-void follow(day *today) {
-    for (const timeline_entry &entry : timeline_read(&today->line)) {
-        if (entry.kind >= timeline_hardware)
-            today->calls.push_back(entry.text);
-        if (is_telling(entry))
-            timeline_print(&today->line, entry);
+// A step in short: its messages in words at once, the app mode and what changed in effect at its
+// end.
+void tell_record(const timeline_entry &entry) {
+    if (today.all) {
+        timeline_print(&today.printer, entry);
+        return;
     }
+    if (entry.kind == timeline_message) {
+        printf("    > %s\n", entry.text.substr(0, entry.text.find("  (")).c_str());
+        return;
+    }
+    const char *mode = mode_entered(entry);
+    if (mode != nullptr && today.mode != mode)
+        keep_change(&today.changes, {"app mode", std::exchange(today.mode, mode), mode, ""}, false);
+    const effect change = note_effect(&today.present, entry);
+    if (!change.setting.empty())
+        keep_change(&today.changes, change, entry.kind == timeline_service);
+}
+
+void tell_changes() {
+    timeline_flush(&today.printer);
+    std::stable_partition(today.changes.begin(), today.changes.end(),
+                          [](const effect &change) { return change.setting == "app mode"; });
+    for (const effect &change : today.changes)
+        printf("    %s  %s%s%s%s\n", change.setting.c_str(), change.before.c_str(),
+               change.before.empty() ? "" : " -> ", change.value.c_str(), change.unit.c_str());
+    today.changes.clear();
+}
+
+void tell_story(const std::string &text) {
+    printf("\n%s%d. %s%s\n", today.printer.colour ? "\033[1m" : "", ++today.steps, text.c_str(),
+           today.printer.colour ? "\033[0m" : "");
     fflush(stdout);
-}
-
-// The first expected call that did not come in its turn, or null. Calls of one name keep their
-// order; which feature hears of an event first is not settled.
-const std::string *find_missing(const day *today, const day_step &step) {
-    std::map<std::string, size_t> seen;
-    for (const std::string &call : step.expected) {
-        size_t &from = seen[call.substr(0, call.find(' '))];
-        const auto at = std::find(today->calls.begin() + static_cast<ptrdiff_t>(from),
-                                  today->calls.end(), call);
-        if (at == today->calls.end())
-            return &call;
-        from = static_cast<size_t>(at - today->calls.begin()) + 1;
-    }
-    return nullptr;
-}
-
-void play_step(day *today, int number, const day_step &step) {
-    constexpr int patience_ms = 10000;
-    printf("\n%s%d. %s%s\n", today->line.colour ? "\033[1m" : "", number, step.story,
-           today->line.colour ? "\033[0m" : "");
-    fflush(stdout);
-    today->calls.clear();
-    // Acted out beside the timeline, which shows what happens as it happens.
-    std::atomic<int64_t> acted_ms = INT64_MAX;
-    std::thread actor([&] {
-        step.act(today);
-        acted_ms = get_current_monotonic_ms();
-    });
-    for (;;) {
-        follow(today);
-        const int64_t waited_ms = get_current_monotonic_ms() - acted_ms;
-        if (waited_ms > step.pause_ms &&
-            (find_missing(today, step) == nullptr || waited_ms > step.pause_ms + patience_ms))
-            break;
-        usleep(poll_pause_us);
-    }
-    actor.join();
-    if (const std::string *call = find_missing(today, step)) {
-        printf("    missing: %s\n", call->c_str());
-        ++today->missing;
-    }
 }
 
 void say_what_to_try(const std::string &root) {
     printf(
         "\nThe device and its daemon stay up. To drive them from a shell here:\n\n"
         "    export DVXD_ROOT=%s PATH=%s:$PATH\n"
-        "    dvxctl watch                        (in a terminal of its own)\n"
+        "    dvxctl watch --brief                (in a terminal of its own)\n"
         "    dvxctl activity com.example.racer/.Race\n"
         "    dvxctl window com.example.racer\n"
         "    dvxctl optimizer on\n"
         "    dvxctl game on --fps 30 --tuner 1\n"
         "    dvxctl device panel off\n"
         "    dvxctl device stop\n",
-        root.c_str(), sibling_program("").c_str());
+        shell_quoted(root).c_str(), shell_quoted(sibling_program("")).c_str());
 }
 
-void stop_device(const std::string &root) {
-    for (const int process : {device_daemon_process(root), device_services_process(root)})
-        if (process > 0)
-            kill(process, SIGTERM);
-}
-
-int start_device(const std::string &root, bool stay) {
-    const std::string error = device_create(root, device_image_path());
-    if (!error.empty()) {
-        fprintf(stderr, "dvxctl: %s\n", error.c_str());
-        return -1;
-    }
-    device_start_services(root, !stay);
-    const int pid = device_start_daemon(root, sibling_program("dvxd"), !stay);
-    if (pid > 0 && device_wait_until_started(root, pid, start_timeout_ms) == device_started)
-        return pid;
-    stop_device(root);
-    printf("dvxd did not start; its log:\n");
-    int64_t offset = 0;
-    for (const std::string &line : device_read_lines(root + device_daemon_log, &offset))
-        printf("%s\n", line.c_str());
-    return -1;
+// The day as a page, from what the daemon noted.
+void write_report(const std::string &root) {
+    const char *notes = getenv("DVXD_RECORD");
+    report_options options;
+    options.files = {notes != nullptr ? notes : root + device_recording};
+    options.out = root + "/report.html";
+    printf("Its report: ");
+    fflush(stdout);
+    report_command(options);
 }
 
 }  // namespace
 
-int play_day(const std::string &root, bool stay) {
-    const int pid = start_device(root, stay);
-    if (pid < 0)
+int play_day(const std::string &root, bool stay, bool all) {
+    std::ifstream input(sibling_program(day_file));
+    const scenario_file file = read_scenarios(input);
+    if (!file.error.empty()) {
+        fprintf(stderr, "dvxctl: %s, %s\n", sibling_program(day_file).c_str(), file.error.c_str());
         return 1;
-    day today = {timeline_open(root), {}, 0};
-    printf("dvxd %d on a virtual device at %s\n", pid, root.c_str());
-    int number = 0;
-    for (const day_step &step : day_steps)
-        play_step(&today, ++number, step);
-
-    printf("\n%s\n", today.missing == 0
-                         ? "Everything that should have reached the hardware and the services did."
+    }
+    today.all = all;
+    today.present = make_effects();
+    today.line.root = root;
+    today.line.start_ns = timeline_now_ns();
+    today.printer = make_timeline_printer(&today.line, false);
+    printf("A day with dvxd on a virtual device at %s\n", root.c_str());
+    const std::string wrong = play_scenario(make_device_player(root, 1, stay), file.scenarios[0],
+                                            {nullptr, tell_story, tell_record, tell_changes});
+    printf("\n%s%s\n", wrong.c_str(),
+           wrong.empty() ? "Everything that should have reached the hardware and the services did."
                          : "Something that should have reached the hardware or a service did not.");
+    write_report(root);
     if (stay)
         say_what_to_try(root);
-    else
-        stop_device(root);
-    return today.missing == 0 ? 0 : 1;
+    return wrong.empty() ? 0 : 1;
 }

@@ -5,18 +5,7 @@
 #include <vector>
 
 #include "client/dvx_client.h"
-
-// What a word's message carries.
-enum payload_kind {
-    payload_none,
-    payload_switch,  // on or off
-    payload_number,
-    payload_text,
-    payload_game,      // on or off, with frame rate, tuner mode and of-value
-    payload_home,      // state and name
-    payload_automode,  // a command
-    payload_lpm,       // a level, with a cap
-};
+#include "tools/payloads.h"
 
 struct message_word {
     const char *word;
@@ -28,12 +17,14 @@ struct message_word {
 
 extern const std::vector<message_word> message_words;
 
+// How long a person, or a test, is kept waiting for a message to have its whole effect.
+constexpr int answer_timeout_ms = 5000;
+
+// A client name has at most 19 characters, a text at most 255; what is longer is cut.
 dvx_message make_message(const char *client, int32_t code, const std::vector<int32_t> &values);
 dvx_message make_text_message(const char *client, int32_t code, const std::string &text);
+dvx_message make_word_message(const message_word &word, const payload_words &given);
 
-// A message as the timeline shows it: client, code, and what it carries.
+// A message in the words that would send it, with its numbers behind: "browser on  (powerhal 1 1)".
+// `is_text` says how the payload of one without words of its own is to be read.
 std::string describe_message(const dvx_message &message, bool is_text);
-
-// Sends a message and waits until it has had its whole effect; notes it in the messages file of the
-// device at `root`, where there is one. 0 or a negative errno value.
-int send_message(const dvx_message &message, bool is_text, const std::string &root);

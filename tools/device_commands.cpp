@@ -1,24 +1,18 @@
 #include "tools/device_commands.h"
 
-#include <cutils/properties.h>
-#include <signal.h>
 #include <stdio.h>
 #include <string.h>
-#include <unistd.h>
 
-#include <fstream>
-#include <functional>
-#include <iostream>
 #include <memory>
 
+#include "device/hardware_conf.h"
 #include "device/virtual_device.h"
-#include "tools/frames.h"
+#include "tools/delivery.h"
+#include "tools/device_run.h"
+#include "tools/frames/frames_command.h"
 #include "tools/services.h"
 
 namespace {
-
-constexpr int start_timeout_ms = 5000;
-constexpr int stop_timeout_ms = 2000;
 
 int fail(const std::string &reason) {
     fprintf(stderr, "dvxctl: %s\n", reason.c_str());
@@ -34,7 +28,8 @@ int create(const std::string &root) {
 }
 
 int fail_without_device(const std::string &root) {
-    return fail(root + " is not a virtual device; lay one out with dvxctl device create");
+    return fail(root + " is not a virtual device; lay one out with dvxctl --root " +
+                shell_quoted(root) + " device create");
 }
 
 int start(const std::string &root) {
@@ -42,39 +37,21 @@ int start(const std::string &root) {
         return fail_without_device(root);
     if (device_daemon_process(root) != 0)
         return fail("a daemon runs on " + root + " already");
-    const int pid = device_start_daemon(root, sibling_program("dvxd"));
-    if (pid < 0)
-        return fail("cannot start dvxd on " + root + ": " + strerror(-pid));
-    if (device_wait_until_started(root, pid, start_timeout_ms) == device_started) {
-        if (device_services_process(root) == 0)
-            device_start_services(root);
-        printf("dvxd %d serves %s\n", pid, root.c_str());
-        return 0;
-    }
-    int64_t offset = 0;
-    for (const std::string &line : device_read_lines(root + device_daemon_log, &offset)) {
-        if (line.ends_with("fail to create socket"))
-            return fail(
-                "another daemon has the socket; give this one a network of its own with "
-                "unshare --net --map-root-user");
-        fprintf(stderr, "%s\n", line.c_str());
-    }
-    return fail("dvxd did not start");
+    for (const std::string &wrong : device_check_conf(root))
+        fprintf(stderr, "dvxctl: %s\n", wrong.c_str());
+    int pid = 0;
+    const std::string error = start_device(root, false, &pid);
+    if (!error.empty())
+        return fail(error);
+    printf("dvxd %d serves %s\n", pid, root.c_str());
+    return 0;
 }
 
 int stop(const std::string &root) {
-    const int services = device_services_process(root);
-    if (services != 0)
-        kill(services, SIGTERM);
     const int pid = device_daemon_process(root);
-    if (pid == 0)
-        return fail("no daemon runs on " + root);
-    kill(pid, SIGTERM);
-    for (int waited_ms = 0; device_daemon_process(root) != 0; waited_ms += 10) {
-        if (waited_ms > stop_timeout_ms)
-            return fail("dvxd " + std::to_string(pid) + " does not stop");
-        usleep(10000);
-    }
+    const std::string error = stop_device(root);
+    if (!error.empty())
+        return fail(error);
     printf("dvxd %d stopped\n", pid);
     return 0;
 }
@@ -87,75 +64,21 @@ int report_node_error(const std::string &root, int error) {
 }
 
 int panel(const std::string &root, bool on) {
-    const int result = device_report_panel(root, on);
+    const int result = deliver_panel(root, on);
     return result == 0 ? 0 : report_node_error(root, result);
 }
 
-int frames(const std::string &root, const std::string &path, const std::string &column,
-           double unit_us, double speed) {
-    std::ifstream file;
-    if (path != "-") {
-        file.open(path);
-        if (!file)
-            return fail("cannot read " + path);
-    }
-    const frame_file input = read_frames(path == "-" ? std::cin : file, column, unit_us);
-    if (!input.error.empty())
-        return fail(path + ": " + input.error);
-    if (input.intervals_us.empty())
-        return fail(path + ": no intervals");
-    const int result = play_frames(root, input.intervals_us, speed);
-    if (result != 0)
-        return report_node_error(root, result);
-    printf("%zu intervals played\n", input.intervals_us.size());
-    return 0;
-}
-
 int property(const std::string &root, const std::string &name, const std::string *value) {
-    setenv("DVXD_ROOT", root.c_str(), 1);
     if (value == nullptr) {
-        char present[PROPERTY_VALUE_MAX];
-        property_get(name.c_str(), present, "");
-        printf("%s\n", present);
+        const std::string present = device_property(root, name);
+        if (present.empty())
+            return fail(name + " is not set");
+        printf("%s\n", present.c_str());
         return 0;
     }
-    if (property_set(name.c_str(), value->c_str()) != 0)
+    if (!device_set_property(root, name, *value))
         return fail("cannot set " + name + " to '" + *value + "'");
     return 0;
-}
-
-// "real", "max" or a factor.
-std::string check_rate(const std::string &text) {
-    char *end = nullptr;
-    if (text == "real" || text == "max" ||
-        (strtod(text.c_str(), &end) > 0 && end != text.c_str() && *end == '\0'))
-        return {};
-    return "'" + text + "' is neither real nor max nor a factor above 0";
-}
-
-double parse_rate(const std::string &text) {
-    return text == "max" ? 0 : text == "real" ? 1 : strtod(text.c_str(), nullptr);
-}
-
-void add_frames_command(CLI::App *parent, const std::string *root, int *exit_code) {
-    struct arguments {
-        std::string path, column, rate = "real", unit = "us";
-    };
-    auto given = std::make_shared<arguments>();
-    CLI::App *command = parent->add_subcommand("frames", "Play frame intervals into the node");
-    command->add_option("FILE", given->path, "One number a line, or CSV; - for standard input")
-        ->required();
-    command->add_option("--column", given->column, "Name of the CSV column");
-    command->add_option("--unit", given->unit, "Unit of the numbers")
-        ->check(CLI::IsMember({"us", "ms"}))
-        ->capture_default_str();
-    command->add_option("--rate", given->rate, "real, max, or N times real time")
-        ->check(check_rate)
-        ->capture_default_str();
-    command->callback([=] {
-        *exit_code = frames(*root, given->path, given->column, given->unit == "ms" ? 1000 : 1,
-                            parse_rate(given->rate));
-    });
 }
 
 }  // namespace
@@ -182,7 +105,7 @@ void add_device_commands(CLI::App *parent, const std::string *root, int *exit_co
         ->check(CLI::IsMember({"on", "off"}));
     panel_command->callback([=] { *exit_code = panel(*root, *state == "on"); });
 
-    add_frames_command(parent, root, exit_code);
+    add_device_frames_command(parent, root, exit_code);
 
     auto name = std::make_shared<std::string>();
     auto value = std::make_shared<std::string>();

@@ -1,72 +1,42 @@
 #include "tools/services.h"
 
-#include <cutils/sockets.h>
+#include <errno.h>
 #include <poll.h>
 #include <stdio.h>
 #include <string.h>
 #include <sys/socket.h>
 #include <sys/time.h>
+#include <sys/un.h>
 #include <unistd.h>
 
-#include <map>
+#include <cstddef>
 
+#include "device/service_words.h"
 #include "device/virtual_device.h"
 
 namespace {
 
 constexpr size_t message_max = sizeof(gbm_message);
 
-// Words for a command word's argument, by its group.
-struct group_words {
-    const char *group;
-    std::map<uint32_t, const char *> arguments;
-};
-
-const std::map<uint32_t, group_words> gbm_words = {
-    {gbm_restoration,
-     {"restoration",
-      {{0, "touch"}, {1, "frame-rate lock"}, {2, "frame-rate unlock"}, {3, "rotation"}}}},
-    {gbm_package_status, {"package status", {}}},
-    {gbm_game_optimizer, {"game optimizer", {{0, "off"}, {1, "on"}}}},
-    {gbm_ofmode, {"ofmode", {{0, "released"}, {1, "set"}}}},
-    {gbm_category,
-     {"category", {{0, "none"}, {1, "geo"}, {2, "browser"}, {3, "sns"}, {5, "game"}}}},
-    {gbm_floating_window, {"floating window", {{0, "off"}, {1, "on"}}}},
-};
-
-const std::map<uint32_t, const char *> merlak_words = {
-    {0, "low frame rate"}, {1, "high frame rate"}, {2, "app changed"}, {3, "game"}, {4, "no game"}};
-
-std::string word_of(const std::map<uint32_t, const char *> &words, uint32_t value) {
-    const auto found = words.find(value);
-    return found != words.end() ? found->second : std::to_string(value);
+// A listening socket of the abstract namespace, or -1 with errno set.
+int listen_on(const char *name) {
+    constexpr int backlog = 64;
+    sockaddr_un address = {};
+    const size_t length = strlen(name);
+    const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    address.sun_family = AF_UNIX;
+    memcpy(address.sun_path + 1, name, length);
+    const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + length);
+    if (fd >= 0 && bind(fd, reinterpret_cast<const sockaddr *>(&address), size) == 0 &&
+        listen(fd, backlog) == 0)
+        return fd;
+    const int error = errno;
+    close(fd);
+    errno = error;
+    return -1;
 }
 
-template <typename message>
-std::string describe(const char *bytes, std::string (*words)(const message &)) {
-    message received;
-    memcpy(&received, bytes, sizeof(received));
-    return words(received);
-}
-
-struct service {
-    const char *socket;
-    const char *name;
-    size_t message_size;
-    std::string (*describe)(const char *bytes);
-};
-
-const service services[] = {
-    {powercontrol_service, "power-control HAL", sizeof(powercontrol_message),
-     [](const char *bytes) { return describe(bytes, describe_powercontrol_message); }},
-    {gbm_service, "frame-rate service", sizeof(gbm_message),
-     [](const char *bytes) { return describe(bytes, describe_gbm_message); }},
-    {merlak_service, "merlak service", sizeof(merlak_message),
-     [](const char *bytes) { return describe(bytes, describe_merlak_message); }},
-};
-constexpr size_t service_count = std::size(services);
-
-std::string receive_words(int listening_fd, const service &from) {
+std::string receive_words(int listening_fd, const device_service &from) {
     constexpr timeval patience = {1, 0};
     char bytes[message_max];
     const int fd = accept(listening_fd, nullptr, nullptr);
@@ -80,7 +50,7 @@ std::string receive_words(int listening_fd, const service &from) {
     return from.describe(bytes);
 }
 
-void write_down(const std::string &root, const service &from, const std::string &words,
+void write_down(const std::string &root, const device_service &from, const std::string &words,
                 bool print) {
     const std::string note =
         device_append_note(root + device_services_log, std::string(from.name) + "  " + words);
@@ -92,41 +62,20 @@ void write_down(const std::string &root, const service &from, const std::string 
 
 }  // namespace
 
-std::string describe_gbm_message(const gbm_message &message) {
-    if (message.type == gbm_type_package)
-        return "package " +
-               std::string(message.package, strnlen(message.package, sizeof(message.package)));
-    const auto group = gbm_words.find(message.command & ~255u);
-    if (group == gbm_words.end())
-        return "command " + std::to_string(message.command);
-    return group->second.group +
-           std::string(1, ' ').append(word_of(group->second.arguments, message.command & 255));
-}
-
-std::string describe_merlak_message(const merlak_message &message) {
-    return std::to_string(message.command).append(" ").append(word_of(merlak_words, message.value));
-}
-
-std::string describe_powercontrol_message(const powercontrol_message &message) {
-    return "max brightness " +
-           std::to_string(message.first).append(":").append(std::to_string(message.second));
-}
-
 int serve_services(const std::string &root, bool print) {
-    pollfd listening[service_count];
+    pollfd listening[device_service_count];
     int served = 0;
-    for (size_t i = 0; i < service_count; ++i) {
-        listening[i] = {
-            socket_local_server(services[i].socket, ANDROID_SOCKET_NAMESPACE_ABSTRACT, SOCK_STREAM),
-            POLLIN, 0};
+    for (size_t i = 0; i < device_service_count; ++i) {
+        listening[i] = {listen_on(device_services[i].socket), POLLIN, 0};
         if (listening[i].fd >= 0)
             ++served;
         else
-            fprintf(stderr, "dvxctl: %s: %s\n", services[i].socket, strerror(errno));
+            fprintf(stderr, "dvxctl: %s: %s\n", device_services[i].socket, strerror(errno));
     }
-    while (served > 0 && poll(listening, service_count, -1) >= 0)
-        for (size_t i = 0; i < service_count; ++i)
+    while (served > 0 && poll(listening, device_service_count, -1) >= 0)
+        for (size_t i = 0; i < device_service_count; ++i)
             if (listening[i].revents != 0)
-                write_down(root, services[i], receive_words(listening[i].fd, services[i]), print);
+                write_down(root, device_services[i],
+                           receive_words(listening[i].fd, device_services[i]), print);
     return 1;
 }

@@ -2,8 +2,8 @@
 
 #include <stdio.h>
 #include <stdlib.h>
+#include <string.h>
 #include <time.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -12,50 +12,30 @@
 
 #include "core/events.h"
 #include "device/virtual_device.h"
-#include "platform/clock.h"
+#include "tools/logcat.h"
 
 namespace {
 
 constexpr char event_prefix[] = "EV : ";
 constexpr char callback_prefix[] = "Callback for ";
+constexpr int64_t second_ns = 1000000000;
 
-struct kind_style {
-    const char *name;
-    const char *colour;
-};
-
-constexpr kind_style styles[] = {{"message", "\033[1;36m"}, {"event", "\033[33m"},
-                                 {"log", "\033[2m"},        {"hw", "\033[1;32m"},
-                                 {"service", "\033[1;35m"}, {"prop", "\033[1;34m"}};
-
-int64_t size_of(const std::string &path) {
-    std::error_code error;
-    const auto size = std::filesystem::file_size(path, error);
-    return error ? 0 : static_cast<int64_t>(size);
-}
-
-int64_t wall_clock_ns() {
-    timespec now;
-    clock_gettime(CLOCK_REALTIME, &now);
-    return static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec;
-}
-
-int64_t wall_clock_ms() {
-    return wall_clock_ns() / 1000000;
-}
-
-// The log's time as milliseconds of the wall clock; the line has no year.
-int64_t parse_wall_time(const std::string &line, int64_t now_ms) {
-    const time_t now = static_cast<time_t>(now_ms / 1000);
-    tm local;
-    localtime_r(&now, &local);
-    int ms = 0;
-    if (sscanf(line.c_str(), "%d-%d %d:%d:%d.%d", &local.tm_mon, &local.tm_mday, &local.tm_hour,
-               &local.tm_min, &local.tm_sec, &ms) != 6)
-        return now_ms;
-    local.tm_mon -= 1;
-    local.tm_isdst = -1;
-    return static_cast<int64_t>(mktime(&local)) * 1000 + ms;
+// How far the wall clock is ahead of the monotonic one: of several looks at both the one that was
+// interrupted least.
+int64_t monotonic_offset_ns() {
+    constexpr int looks = 5;
+    int64_t shortest = INT64_MAX;
+    int64_t offset = 0;
+    for (int look = 0; look < looks; ++look) {
+        const int64_t before = device_now_ns();
+        const int64_t wall = timeline_now_ns();
+        const int64_t took = device_now_ns() - before;
+        if (took < shortest) {
+            shortest = took;
+            offset = wall - before - took / 2;
+        }
+    }
+    return offset;
 }
 
 std::string describe_event(int id) {
@@ -63,15 +43,19 @@ std::string describe_event(int id) {
     return std::to_string(id) + " " + (name != nullptr ? name : "?");
 }
 
-// A line of the messages or the calls file: nanoseconds of the monotonic clock, which is
-// `offset_ns` behind the wall clock, some words, and what there is to show.
-timeline_entry parse_stamped_line(const std::string &line, timeline_kind kind, int skip_words,
+// A line of one of the device's files: nanoseconds of the monotonic clock, which is `offset_ns`
+// behind the wall clock, the thread where the file has one, and what there is to show.
+timeline_entry parse_stamped_line(const std::string &line, timeline_kind kind, bool has_thread,
                                   int64_t offset_ns) {
+    timeline_entry entry = {atoll(line.c_str()) + offset_ns, kind, 0, "", "", 0};
     size_t at = line.find(' ');
-    for (int word = 0; word < skip_words && at != std::string::npos; ++word)
+    if (has_thread && at != std::string::npos) {
+        entry.thread = atoi(line.c_str() + at);
         at = line.find(' ', at + 1);
-    return {(atoll(line.c_str()) + offset_ns) / 1000000, kind,
-            at == std::string::npos ? "" : line.substr(at + 1)};
+    }
+    if (at != std::string::npos)
+        entry.text = line.substr(at + 1);
+    return entry;
 }
 
 std::map<std::string, std::string> read_properties(const std::string &root) {
@@ -88,77 +72,99 @@ std::map<std::string, std::string> read_properties(const std::string &root) {
     return properties;
 }
 
-// Properties that have changed, which no file dates.
-void read_changes(timeline *line, std::vector<timeline_entry> *entries) {
+// Properties that have changed: no file dates them, so they are of now.
+void read_changes(timeline *line) {
     std::map<std::string, std::string> now = read_properties(line->root);
     for (const auto &[name, value] : now) {
         const auto before = line->properties.find(name);
         if (before == line->properties.end() || before->second != value)
-            entries->push_back(
-                {wall_clock_ms(), timeline_property, std::string(name).append(" ").append(value)});
+            line->held_back.push_back({timeline_now_ns(), timeline_property, 0,
+                                       std::string(name).append(" ").append(value), "", 0});
     }
     line->properties = std::move(now);
 }
 
+void read_stamped(timeline *line, const char *file, int64_t *offset, timeline_kind kind,
+                  bool has_thread, int64_t offset_ns) {
+    for (const std::string &text : device_read_lines(line->root + file, offset))
+        line->held_back.push_back(parse_stamped_line(text, kind, has_thread, offset_ns));
+}
+
+void read_log(timeline *line) {
+    for (const std::string &text :
+         device_read_lines(line->root + device_daemon_log, &line->daemon_offset)) {
+        timeline_entry entry = parse_daemon_line(text, timeline_now_ns());
+        if (!entry.text.empty())
+            line->held_back.push_back(std::move(entry));
+    }
+}
+
 }  // namespace
+
+const char *timeline_kind_name(timeline_kind kind) {
+    constexpr const char *names[] = {"message", "event", "log", "hw",
+                                     "service", "prop",  "end", "--"};
+    static_assert(std::size(names) == timeline_note + 1);
+    return names[kind];
+}
+
+int64_t timeline_now_ns(void) {
+    timespec now;
+    clock_gettime(CLOCK_REALTIME, &now);
+    return static_cast<int64_t>(now.tv_sec) * second_ns + now.tv_nsec;
+}
 
 timeline timeline_open(const std::string &root) {
     return {root,
-            wall_clock_ms(),
-            size_of(root + device_messages_log),
-            size_of(root + device_daemon_log),
-            size_of(root + device_calls_log),
-            size_of(root + device_services_log),
+            timeline_now_ns(),
+            device_file_size(root + device_messages_log),
+            device_file_size(root + device_daemon_log),
+            device_file_size(root + device_calls_log),
+            device_file_size(root + device_services_log),
             read_properties(root),
-            isatty(STDOUT_FILENO) == 1};
+            {}};
 }
 
-timeline_entry parse_daemon_line(const std::string &line, int64_t now_ms) {
-    timeline_entry entry = {now_ms, timeline_log, ""};
-    const size_t text = line.find(": ", line.find_first_not_of("0123456789-:. "));
-    if (text == std::string::npos) {
-        entry.text = line;  // not a line of the daemon's log: whatever else came out of it
-        return entry;
-    }
-    entry.time_ms = parse_wall_time(line, now_ms);
-    entry.text = line.substr(text + 2);
-    if (entry.text.starts_with(event_prefix)) {
+timeline_entry make_log_entry(int64_t time_ns, const std::string &text) {
+    timeline_entry entry = {time_ns, timeline_log, 0, text, "", 0};
+    if (text.starts_with(event_prefix)) {
         entry.kind = timeline_event;
-        entry.text = describe_event(atoi(entry.text.c_str() + sizeof(event_prefix) - 1));
-    } else if (entry.text.starts_with(callback_prefix)) {
+        entry.text = describe_event(atoi(text.c_str() + sizeof(event_prefix) - 1));
+    } else if (text.starts_with(callback_prefix)) {
         entry.text.clear();
     }
     return entry;
 }
 
-std::vector<timeline_entry> timeline_read(timeline *line) {
-    std::vector<timeline_entry> entries;
-    const int64_t offset_ns = wall_clock_ns() - clock_monotonic_ns();
-    for (const std::string &text :
-         device_read_lines(line->root + device_messages_log, &line->messages_offset))
-        entries.push_back(parse_stamped_line(text, timeline_message, 0, offset_ns));
-    for (const std::string &text :
-         device_read_lines(line->root + device_daemon_log, &line->daemon_offset)) {
-        timeline_entry entry = parse_daemon_line(text, wall_clock_ms());
-        if (!entry.text.empty())
-            entries.push_back(entry);
-    }
-    for (const std::string &text :
-         device_read_lines(line->root + device_calls_log, &line->calls_offset))
-        entries.push_back(parse_stamped_line(text, timeline_hardware, 1, offset_ns));
-    for (const std::string &text :
-         device_read_lines(line->root + device_services_log, &line->services_offset))
-        entries.push_back(parse_stamped_line(text, timeline_service, 0, offset_ns));
-    read_changes(line, &entries);
-    std::stable_sort(
-        entries.begin(), entries.end(),
-        [](const timeline_entry &a, const timeline_entry &b) { return a.time_ms < b.time_ms; });
-    return entries;
+timeline_entry parse_daemon_line(const std::string &line, int64_t now_ns) {
+    logcat_line read;
+    if (!logcat_read(line, now_ns, &read))
+        // Not a line of the daemon's log: whatever else came out of it.
+        return {now_ns, timeline_log, 0, line, "", 0};
+    timeline_entry entry = make_log_entry(read.time_ns, read.text);
+    entry.thread = read.thread;
+    entry.priority = read.priority;
+    return entry;
 }
 
-void timeline_print(const timeline *line, const timeline_entry &entry) {
-    const kind_style &style = styles[entry.kind];
-    const double seconds = static_cast<double>(entry.time_ms - line->start_ms) / 1000.0;
-    printf("+%.3f  %s%-7s%s  %s\n", std::max(seconds, 0.0), line->colour ? style.colour : "",
-           style.name, line->colour ? "\033[0m" : "", entry.text.c_str());
+std::vector<timeline_entry> timeline_read(timeline *line) {
+    const int64_t until_ns = timeline_now_ns() - timeline_hold_back_ns;
+    const int64_t offset_ns = monotonic_offset_ns();
+    read_stamped(line, device_messages_log, &line->messages_offset, timeline_message, false,
+                 offset_ns);
+    read_log(line);
+    read_stamped(line, device_calls_log, &line->calls_offset, timeline_hardware, true, offset_ns);
+    read_stamped(line, device_services_log, &line->services_offset, timeline_service, false,
+                 offset_ns);
+    read_changes(line);
+    std::stable_sort(
+        line->held_back.begin(), line->held_back.end(),
+        [](const timeline_entry &a, const timeline_entry &b) { return a.time_ns < b.time_ns; });
+    const auto young =
+        std::find_if(line->held_back.begin(), line->held_back.end(),
+                     [&](const timeline_entry &entry) { return entry.time_ns > until_ns; });
+    std::vector<timeline_entry> old(std::make_move_iterator(line->held_back.begin()),
+                                    std::make_move_iterator(young));
+    line->held_back.erase(line->held_back.begin(), young);
+    return old;
 }

@@ -1,0 +1,14 @@
+// The daemon that runs on a device, whoever started it.
+#pragma once
+
+#include <string>
+
+// Process id of the daemon whose device is at `root`: the device's own, or one that somebody
+// started by hand; 0 where there is none.
+int daemon_process(const std::string &root);
+
+// A variable of a process's environment; empty where it is not set or not shown to us.
+std::string process_environment(int process, const std::string &name);
+
+// Whether a process is in the network that this program is in, as far as is shown to us.
+bool process_shares_network(int process);

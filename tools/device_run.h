@@ -1,0 +1,12 @@
+// A virtual device's daemon and stand-in services: started and stopped as one, with what went wrong
+// in words.
+#pragma once
+
+#include <string>
+
+// Starts dvxd on the device at `root`, and the stand-ins where none serve yet. With `die_with_me`
+// both end when this program does. An empty text and the daemon's process id, or what went wrong.
+std::string start_device(const std::string &root, bool die_with_me, int *pid);
+
+// Stops both. An empty text, or what went wrong.
+std::string stop_device(const std::string &root);

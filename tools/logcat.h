@@ -1,0 +1,24 @@
+// Lines of a log as logcat's threadtime writes them, with year, zone, usec or nsec where somebody
+// asked for those; the virtual device's log is one.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+struct logcat_line {
+    int64_t time_ns = 0;  // of the wall clock
+    int process = 0;
+    int thread = 0;
+    int priority = 0;  // as android/log.h has it; 0: not known
+    std::string tag;
+    std::string text;
+};
+
+// Reads a line, with or without a carriage return at its end. A line without a year is of the year
+// of `now_ns`, of the wall clock, without a zone of this host's. A fraction of three digits is
+// taken for its last microsecond, as what a client did within it comes before what followed. False
+// for anything else.
+bool logcat_read(const std::string &line, int64_t now_ns, logcat_line *read);
+
+// Whether the daemon writes under this tag.
+bool logcat_is_daemon(const logcat_line &line);

@@ -1,0 +1,32 @@
+// The search for tunables: sets that are drawn, what each comes to over all games, and the front
+// between energy saved and frames lost.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/lab/run.h"
+
+// A figure that is varied, from `low` to `high` by `step`.
+struct varied_figure {
+    std::string name;
+    int64_t low = 0;
+    int64_t high = 0;
+    int64_t step = 1;
+};
+
+struct search_options {
+    std::vector<std::string> vary;  // NAME=LO..HI[:STEP]
+    double max_loss = 1;            // frames per second that no game may lose more than
+    int samples = 200;
+    std::string shard = "1/1";  // K/N
+    std::string out;            // the sets that have been tried; one that exists is gone on with
+    bool json = false;
+};
+
+// Empty, or what is wrong with the text.
+std::string varied_figure_read(const std::string &text, varied_figure *figure);
+
+// dvxctl's commands.
+int search_command(const lab_setup &setup, const search_options &options);
+int merge_command(const std::vector<std::string> &paths, double max_loss, bool json);

@@ -1,6 +1,18 @@
-// The whole daemon in this process, all handlers live, on a virtual device of its own; what it logs
-// is formatted and dropped. Threads are real; the server's and the monitor's are not started, as
-// the fuzzers are their input.
+// The daemon that a fuzzer's inputs go to, in the simulator of its process.
 #pragma once
 
-void start_live_daemon(void);
+#include <stdlib.h>
+
+#include "device/virtual_device.h"
+#include "simulator/simulator.h"
+
+// Starts it once, with every debug line on.
+inline void start_live_daemon(void) {
+    static const int started = [] {
+        const char *build = getenv("DVX_BUILD");
+        return simulator_start(simulator_fresh_device(
+            build != nullptr ? std::string(build) + "/device" : device_image_path()));
+    }();
+    if (started != 0)
+        abort();
+}

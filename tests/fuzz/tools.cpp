@@ -1,17 +1,58 @@
-// What dvxctl reads: frame files and the daemon's log.
+// What dvxctl reads: frame files, recordings, the daemon's log, scenarios, tables of games.
+#include <stdlib.h>
+
 #include <sstream>
 
-#include "tools/frames.h"
+#include "tools/frames/frame_figures.h"
+#include "tools/frames/frame_file.h"
+#include "tools/lab/model.h"
+#include "tools/log_lines.h"
+#include "tools/replay/course.h"
+#include "tools/scenario.h"
 #include "tools/timeline.h"
+#include "tools/why/moments.h"
+#include "tools/why/why.h"
+
+namespace {
+
+whole_file content_of(const std::string &text) {
+    whole_file content;
+    content.text = text;
+    return content;
+}
+
+void read_as_moments(const std::string &text) {
+    daemon_state state;
+    const auto begin = [&](const moment_source &source) {
+        state = daemon_state_make(source.figures);
+    };
+    moments_of_content(content_of(text), begin, [&](const moment &now) {
+        for (const decision &made : why_take(&state, now))
+            decision_text(made);
+    });
+    recording file = recording_of(content_of(text));
+    if (file.error.empty())
+        course_of_recording(&file);
+    course_of_log_text(text);
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const std::string text(reinterpret_cast<const char *>(data), size);
-    for (const char *column : {"", "ms"}) {
-        std::istringstream frames(text);
-        read_frames(frames, column, 1000);
+    for (const frame_options &options : {frame_options{}, frame_options{"ms", "ms", "", false},
+                                         frame_options{"2", "", "game", true}}) {
+        const frame_file file = frame_file_read_text(text, options);
+        const frame_figures figures = frame_figures_of(file.intervals_us);
+        if (file.error.empty() != (figures.duration_s > 0))  // intervals, or a reason
+            abort();
     }
     std::istringstream log(text);
     for (std::string line; std::getline(log, line);)
-        parse_daemon_line(line, 0);
+        log_line_sentence(log_line_match(parse_daemon_line(line, 0).text));
+    read_as_moments(text);
+    games_read_text(text);
+    std::istringstream scenarios(text);
+    read_scenarios(scenarios);
     return 0;
 }

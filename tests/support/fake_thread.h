@@ -5,6 +5,3 @@
 #include <vector>
 
 std::vector<std::string> &requested_threads(void);
-
-// Lets every request for a thread fail from now on.
-void refuse_threads(bool refuse);

@@ -1,18 +1,23 @@
 // A service that the daemon talks to, as a test stands in for it.
 #pragma once
 
-#include <cutils/sockets.h>
 #include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <string>
 
 struct service_socket {
     int fd;
 
-    explicit service_socket(const char *name)
-        : fd(socket_local_server(name, ANDROID_SOCKET_NAMESPACE_ABSTRACT,
-                                 SOCK_STREAM | SOCK_NONBLOCK)) {
+    // In the abstract namespace.
+    explicit service_socket(const std::string &name)
+        : fd(socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0)) {
+        sockaddr_un address = {AF_UNIX, ""};
+        name.copy(address.sun_path + 1, sizeof(address.sun_path) - 1);
+        bind(fd, reinterpret_cast<const sockaddr *>(&address),
+             static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size()));
         listen(fd, 64);
     }
     ~service_socket() { close(fd); }

@@ -42,11 +42,7 @@ std::vector<std::string> device_calls_of(test_device *device, const std::string 
 }
 
 void device_answers(const test_device *device, const std::string &name, const std::string &value) {
-    // The line that comes first counts.
-    const std::string path = device->root + device_conf;
-    std::ifstream old(path);
-    const std::string rest{std::istreambuf_iterator<char>(old), std::istreambuf_iterator<char>()};
-    std::ofstream(path) << name << " = " << value << "\n" << rest;
+    device_set_answer(device->root, name, value);
 }
 
 void device_set_property(const test_device *device, const std::string &name,

@@ -1,79 +1,86 @@
 // dvxctl as a person uses it.
-#include <gtest/gtest.h>
-#include <stdio.h>
-#include <sys/wait.h>
+#include <signal.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
-#include "device/virtual_device.h"
-#include "tests/support/test_device.h"
+#include "tests/support/tool.h"
+#include "tools/delivery.h"
+#include "tools/messages.h"
+#include "tools/timeline.h"
 
 namespace {
 
-struct outcome {
-    int status;
-    std::string output;  // both streams
-};
-
-outcome dvxctl(const std::string &words, const std::string &input = "") {
-    const std::string command = (input.empty() ? "" : "printf '" + input + "' | ") +
-                                built("bin/dvxctl") + " " + words + " 2>&1";
-    FILE *pipe = popen(command.c_str(), "r");
-    outcome result;
-    char buffer[4096];
-    while (fgets(buffer, sizeof(buffer), pipe) != nullptr)
-        result.output += buffer;
-    const int status = pclose(pipe);
-    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return result;
-}
-
-struct Tool : testing::Test {
-    test_device device;
-
-    void SetUp() override {
-        if (!isolate_network())
-            GTEST_SKIP() << "no network namespace of one's own here";
-    }
-
-    void TearDown() override {
-        if (device_daemon_process(device.root) != 0)
-            dvxctl("device stop");
-    }
-};
-
 TEST_F(Tool, NamesTheWrongWord) {
-    const std::pair<const char *, const char *> wrong[] = {{"gmae on", "gmae"},
-                                                           {"game maybe", "maybe"},
-                                                           {"game on --fsp 45", "--fsp"},
-                                                           {"window", "NAME"},
-                                                           {"fps fast", "fast"},
-                                                           {"automode sometimes", "sometimes"},
-                                                           {"raw powerhal", "CODE"},
-                                                           {"raw powerhal x", "x"},
-                                                           {"raw powerhal 4 1 --text a", "--text"},
-                                                           {"device lift", "lift"},
-                                                           {"device panel dim", "dim"},
-                                                           {"device frames - --rate slow", "slow"},
-                                                           {"", "ubcommand"}};
-    for (const auto &[words, named] : wrong) {
-        const outcome result = dvxctl(words);
-        EXPECT_EQ(result.status, 2) << words << result.output;
-        EXPECT_NE(result.output.find(named), std::string::npos) << words << ": " << result.output;
-        EXPECT_EQ(std::count(result.output.begin(), result.output.end(), '\n'), 1) << words;
-    }
-    for (const char *words : {"--help", "game --help", "device --help", "device frames --help"})
+    const std::pair<const char *, const char *> wrong[] = {
+        {"game maybe", "maybe"},
+        {"raw powerhal x", "x"},
+        {"raw powerhal 4 1 --text a", "--text"},
+        {"device panel dim", "dim"},
+        {"device frames - --rate slow", "slow"},
+        {"frames", "FILE"},
+        {"frames --unit h x", "h not in"},
+        {"", "ubcommand"},
+        {"lpm 3", "0 to 2"},
+        {"game on --fps 241", "240"},
+        {"tmr 0", "1 to"},
+        {"raw a-name-of-20-letters 0", "19 characters"},
+        {"device lift", "unknown word 'lift'; see dvxctl device --help"},
+        {"gmae on", "did you mean 'game'?; see dvxctl --help"},
+        {"device crate", "did you mean 'create'?; see dvxctl device --help"},
+        {"game on --fsp 4", "did you mean '--fps'?; see dvxctl game --help"}};
+    for (const auto &[words, named] : wrong)
+        expect_refused(2, words, named);
+    for (const char *words :
+         {"--help", "game --help", "device --help", "device frames --help", "--version"})
         EXPECT_EQ(dvxctl(words).status, 0) << words;
+    EXPECT_EQ(dvxctl("events >/dev/full").status, 1);
+    for (const char *words : {"touch", "game on", "device panel on", "device stop"})
+        expect_refused(1, words, "no daemon");
 }
 
-TEST_F(Tool, SaysWhenNobodyListens) {
-    for (const char *words : {"touch", "game on", "device panel on", "device stop"}) {
-        const outcome result = dvxctl(words);
-        EXPECT_EQ(result.status, 1) << words;
-        EXPECT_NE(result.output.find("no daemon"), std::string::npos) << result.output;
-        EXPECT_EQ(std::count(result.output.begin(), result.output.end(), '\n'), 1) << words;
+TEST_F(Tool, SaysWhatFrameFilesHold) {
+    const std::string path = device.root + "/capture.csv";
+    std::ofstream(path) << "Frametime (ms),x\n10,1\n20,1\n10,1\nNA,1\n";
+    EXPECT_EQ(dvxctl("frames " + path).output,
+              path +
+                  ": CSV, column Frametime (ms) in ms\n"
+                  "  3 intervals in 0.04 s; 1 rows left out: 1 without a number ('NA' in line 5)\n"
+                  "  frames per second: mean 75.00, median 100.00, 1 % low 50.00, 0.1 % low "
+                  "50.00\n"
+                  "  median 10.000 ms; above 1.5 x the median 1 frames, above 2 x 0\n");
+    const outcome json = dvxctl("frames --json - " + path + "x " + path, "16.7\\n16.7\\n");
+    EXPECT_EQ(json.status, 2);
+    EXPECT_TRUE(json.output.starts_with("{\"file\":\"-\",\"format\":\"one number a line\""));
+    EXPECT_NE(json.output.find("capture.csvx: No such file or directory\n{\"file\":\""),
+              std::string::npos)
+        << json.output;
+    EXPECT_NE(json.output.find("\"left_out\":1"), std::string::npos) << json.output;
+    EXPECT_NE(json.output.find("\"median_us\":10000.0,\"fps_mean\":75.0"), std::string::npos)
+        << json.output;
+    for (const std::string words : {"frames ", "device frames ", "play "}) {
+        const outcome directory = dvxctl(words + device.root);
+        EXPECT_EQ(directory.status, 2) << words;
+        EXPECT_NE(directory.output.find(device.root + ": a directory"), std::string::npos);
+        EXPECT_EQ(std::count(directory.output.begin(), directory.output.end(), '\n'), 1);
     }
+}
+
+// Timers and the thermal engine on a device.
+TEST_F(Tool, PlaysAScenarioInRealTime) {
+    const outcome played = dvxctl("play /dev/stdin --time real", R"(= time is kept
+game on     | event mode_game_default
+automode on | hw request_fps 20
+tmr 700     | hw request_tmr_2cluster 0 0
++700        | hw request_tmr_2cluster 4294967295 4294967295
+touch       | hw request_fps 60
++8000       | hw request_fps 20
++3000       | event thermal_engine_activated
+encode on   | only hw enable_thermal_config TCONF_CAMERA 1
+)");
+    EXPECT_EQ(played.output, "1 of 1 scenarios held\n");
 }
 
 TEST_F(Tool, DrivesADeviceFromItsLayoutToItsEnd) {
@@ -88,31 +95,116 @@ TEST_F(Tool, DrivesADeviceFromItsLayoutToItsEnd) {
     EXPECT_EQ(device_calls_of(&device, "request_fps"), std::vector<std::string>{"request_fps 60"});
     EXPECT_EQ(dvxctl("raw powerhal 4 --text 'a window'").status, 0);
     EXPECT_EQ(dvxctl("home 2 com.example.home").status, 0);
-    std::ifstream messages(device.root + device_messages_log);
-    const std::string noted{std::istreambuf_iterator<char>(messages),
-                            std::istreambuf_iterator<char>()};
-    EXPECT_NE(noted.find(" powerhal 4 a window\n"), std::string::npos);
-    EXPECT_NE(noted.find(" powerhal 15 2:com.example.home\n"), std::string::npos);
+    const std::string noted = device_read_file(device.root + device_messages_log);
+    EXPECT_NE(noted.find(" window a window  (powerhal 4)\n"), std::string::npos);
+    EXPECT_NE(noted.find(" home 2 com.example.home  (powerhal 15)\n"), std::string::npos);
+    expect_refused(1, "raw nobody 0", "doesn't support nobody");
+    expect_refused(1, "raw powerhal 99", "<99>");
+    expect_refused(1, "automode 77", "Abnormal cmd");
 
+    const outcome idle = dvxctl("device frames - --rate max", "16666\\n33333\\n");
+    EXPECT_EQ(idle.status, 0);
+    EXPECT_TRUE(idle.output.starts_with("2 intervals played: 0.05 s of frames")) << idle.output;
+    EXPECT_NE(idle.output.find("looked at none of the frames: no game was in front"),
+              std::string::npos)
+        << idle.output;
+    const std::string samples =
+        "fps,frametime,elapsed\\n60,16.7,1000000000\\n60,16.7,2000000000\\n";
+    EXPECT_EQ(dvxctl("device frames - --rate max", samples).status, 2);
+    EXPECT_EQ(dvxctl("device frames - --rate max --sampled", samples).status, 0);
     EXPECT_EQ(dvxctl("device panel off").status, 0);
-    EXPECT_EQ(dvxctl("device frames - --rate max", "16666\\n33333\\n").output,
-              "2 intervals played\n");
-    const outcome bad = dvxctl("device frames -", "16666\\nfast\\n");
-    EXPECT_EQ(bad.status, 1);
-    EXPECT_NE(bad.output.find("line 2: not an interval: 'fast'"), std::string::npos);
-    EXPECT_EQ(dvxctl("device prop debug.x").output, "\n");
+    EXPECT_EQ(dvxctl("device prop debug.x").output, "dvxctl: debug.x is not set\n");
     EXPECT_EQ(dvxctl("device prop debug.x 7").status, 0);
     EXPECT_EQ(dvxctl("device prop debug.x").output, "7\n");
     EXPECT_EQ(dvxctl("device prop ../x 7").status, 1);
     EXPECT_EQ(dvxctl("device stop").status, 0);
-}
 
-TEST_F(Tool, LeavesOtherDirectoriesAlone) {
+    // A directory that is no device's is left alone.
     const std::string other = device.root + "/precious";
     std::filesystem::create_directory(other);
     std::ofstream(other + "/letter") << "dear";
     EXPECT_EQ(dvxctl("device --root " + other + " create").status, 1);
     EXPECT_TRUE(std::filesystem::exists(other + "/letter"));
+}
+
+TEST_F(Tool, ReachesTheDaemonThatIsMeantOrNobody) {
+    test_device other;
+    setenv("DVXD_ROOT", device.root.c_str(), 1);
+    ASSERT_EQ(dvxctl("device start").status, 0);
+    device_calls(&device);
+    expect_refused(1, "--root " + other.root + " fps 30", "unshare --net");
+    EXPECT_TRUE(device_calls_of(&device, "request_fps").empty());
+    EXPECT_EQ(dvxctl("--root " + other.root + " day").status, 1);
+
+    dvxctl("activity com.example.racer/.Race");
+    dvxctl("window com.example.racer");
+    dvxctl("game on");
+    EXPECT_TRUE(
+        dvxctl("device frames - --rate max", "16.6\\n16.7\\n").output.ends_with("janks: 0\n"));
+    const int daemon = device_daemon_process(device.root);
+    kill(daemon, SIGSTOP);
+    EXPECT_EQ(dvxctl("touch").output, "dvxctl: the daemon does not answer\n");
+    EXPECT_EQ(dvxctl("device frames - --rate max", "16666\\n").output,
+              "dvxctl: dvxd " + std::to_string(daemon) +
+                  " is stopped and takes no intervals; kill -CONT " + std::to_string(daemon) +
+                  " lets it go on\n");
+    kill(daemon, SIGCONT);
+    std::ofstream(device.root + device_conf, std::ios::app) << "requst_fps = 1\nrequest_fps\n";
+    EXPECT_EQ(dvxctl("device stop").status, 0);
+    const std::string said = dvxctl("device start").output;
+    EXPECT_NE(said.find("no library call is named 'requst_fps'"), std::string::npos) << said;
+    EXPECT_NE(said.find("has no '='"), std::string::npos) << said;
+}
+
+// Each message before what it brought about, and all of that before the next message.
+TEST_F(Tool, TimelineShowsCausesBeforeTheirEffects) {
+    device_set_property(&device, "debug.dvxd_log.enable", "1");
+    ASSERT_EQ(dvxctl("device start").status, 0);
+    timeline line = timeline_open(device.root);
+    constexpr int messages = 200;
+    for (int i = 0; i < messages; ++i) {
+        const int32_t fps = 20 + i % 2;
+        ASSERT_EQ(deliver_message(make_message("dgpc", DVX_CODE_FPS, {fps}), false, device.root),
+                  "");
+        ASSERT_EQ(
+            deliver_message(make_message("powerhal", DVX_CODE_ROTATION, {}), false, device.root),
+            "");
+    }
+    usleep(2 * timeline_hold_back_ns / 1000);
+    std::string seen;
+    for (const timeline_entry &entry : timeline_read(&line))
+        for (const auto &[text, letter] :
+             {std::pair{"fps ", 'f'}, std::pair{"CF", 'c'}, std::pair{"request_fps", 'h'},
+              std::pair{"rotate", 'r'}, std::pair{"14 EV_ROTATION", 'e'}})
+            if (entry.text.starts_with(text))
+                seen += letter;
+    std::string expected;
+    for (int i = 0; i < messages; ++i)
+        expected += "fchre";
+    EXPECT_EQ(seen, expected);
+}
+
+TEST_F(Tool, WatchTellsOfTheDaemonAndTheDevice) {
+    const std::string output = device.root + ".watch";
+    std::thread watcher([&] { dvxctl("watch --brief > " + output); });
+    const auto shows = [&](const std::string &text) {
+        for (int i = 0; i < 2000; ++i, usleep(5000))
+            if (device_read_file(output).find(text) != std::string::npos)
+                return true;
+        return false;
+    };
+    EXPECT_TRUE(shows("no daemon runs"));
+    dvxctl("device start");
+    EXPECT_TRUE(shows("runs\n"));
+    dvxctl("fps 30");
+    EXPECT_TRUE(shows("  message  fps 30  (dgpc 16 30)\n"));
+    EXPECT_TRUE(shows("    hw       request_fps 30\n"));
+    dvxctl("device stop");
+    EXPECT_TRUE(shows("has ended\n"));
+    dvxctl("device create");
+    watcher.join();
+    EXPECT_TRUE(shows("is gone\n"));
+    std::filesystem::remove(output);
 }
 
 }  // namespace

@@ -7,82 +7,33 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <thread>
 
 #include "device/virtual_device.h"
-#include "ipc/gbm_client.h"
-#include "platform/clock.h"
+#include "ipc/outbound/gbm_client.h"
+#include "tests/support/load.h"
 #include "tests/support/service_socket.h"
 #include "tests/support/test_device.h"
 #include "tools/messages.h"
+#include "tools/play.h"
 
 namespace {
 
 constexpr int clients = 8;
 constexpr int start_patience_ms = 30000;
-constexpr long growth_max_kib = 64;
+// Far above what stacks and the allocator touch for the first time after the warm part of a run,
+// far below what a few bytes lost with each of its messages would come to.
+constexpr long growth_max_kib = 256;
 constexpr useconds_t settle_us = 1500000;
-
-struct counts {
-    std::atomic<long> messages = 0;
-    std::atomic<long> unanswered = 0;
-    std::atomic<long> intervals = 0;
-    std::atomic<long> panel_changes = 0;
-};
 
 struct figures {
     long resident_kib;
     long descriptors;
 };
-
-const char *const windows[] = {"com.android.chrome", "com.kakao.talk", "com.locnall.KimGiSa",
-                               "com.example.a",      "com.example.b",  "com.android.gallery3d"};
-
-dvx_message random_message(std::minstd_rand *random) {
-    const auto pick = [&](int below) {
-        return static_cast<int32_t>((*random)() % static_cast<unsigned>(below));
-    };
-    const message_word &word =
-        message_words[static_cast<size_t>(pick(static_cast<int>(message_words.size())))];
-    const std::string window = windows[pick(6)];
-    switch (word.payload) {
-        case payload_text:
-            return make_text_message(word.client, word.code,
-                                     pick(2) != 0 ? window : window + "/.M");
-        case payload_home:
-            return make_text_message(word.client, word.code,
-                                     std::to_string(pick(3)) + ":" + window);
-        default:
-            return make_message(word.client, word.code, {pick(3), pick(3), pick(70), pick(2)});
-    }
-}
-
-void send_messages(unsigned seed, const std::atomic<bool> *stop, counts *done) {
-    std::minstd_rand random(seed);
-    while (!*stop) {
-        const dvx_message message = random_message(&random);
-        done->unanswered += dvx_message_send_and_wait(&message) == 0 ? 0 : 1;
-        ++done->messages;
-    }
-}
-
-void report_intervals(const std::string &root, const std::atomic<bool> *stop, counts *done) {
-    const int fd = device_open_node(root, device_interval_node);
-    for (int i = 0; !*stop; ++i, ++done->intervals)
-        device_report_interval(fd, i % 3000 < 2500 ? 16700 : 15000 + i * 37 % 40000);
-    close(fd);
-}
-
-void report_panel(const std::string &root, const std::atomic<bool> *stop, counts *done) {
-    for (bool on = false; !*stop; on = !on, ++done->panel_changes) {
-        device_report_panel(root, on);
-        usleep(20000);
-    }
-}
 
 figures read_figures(int pid) {
     figures now = {0, 0};
@@ -95,42 +46,29 @@ figures read_figures(int pid) {
     return now;
 }
 
-// Whether the daemon still knows exactly what it was told: a known sequence gives the known calls.
-bool is_exact(test_device *device) {
-    device_report_panel(device->root, true);
-    for (const int32_t code : {DVX_CODE_GAME, DVX_CODE_BROWSER, DVX_CODE_SNS, DVX_CODE_GEO,
-                               DVX_CODE_GAME_OPTIMIZER, DVX_CODE_INCOMING_CALL}) {
-        const dvx_message off = make_message("powerhal", code, {});
-        dvx_message_send_and_wait(&off);
-    }
-    const std::vector<dvx_message> quiet = {
-        make_text_message("powerhal", DVX_CODE_HOME, "0:x"),
-        make_text_message("powerhal", DVX_CODE_WINDOW, "none"),
-        make_text_message("powerhal", DVX_CODE_ACTIVITY, "none"),
-        make_message("automode", 0, {0}),
-        make_message("lowpowermode", 0, {0}),
-        make_message("vrhal", DVX_CODE_VR, {0}),
-        make_message("dgpc", DVX_CODE_FPS, {0})};
-    for (const dvx_message &message : quiet)
-        dvx_message_send_and_wait(&message);
-    usleep(settle_us);
-    device_calls(device);
-    for (const int32_t fps : {25, 40, 0}) {
-        const dvx_message request = make_message("dgpc", DVX_CODE_FPS, {fps});
-        dvx_message_send_and_wait(&request);
-    }
-    return device_calls_of(device, "request_fps") ==
-           std::vector<std::string>{"request_fps 25", "request_fps 40", "request_fps 60"};
+// Whether the daemon still knows exactly what it was told: the scenario, played on it as it runs.
+bool is_exact(const std::string &root, const scenario &at_rest) {
+    static timeline line;
+    line = timeline_open(root);
+    player by = make_device_player(root, 1, true);
+    by.start = [](const std::vector<happening> &) { return std::string(); };
+    by.take = [] { return timeline_read(&line); };
+    const std::string wrong = play_scenario(by, at_rest, {});
+    fprintf(stderr, "%s", wrong.c_str());
+    return wrong.empty();
 }
 
 // How long an honest client waits for its message's end, at worst of several.
-double honest_wait_ms(int messages) {
+double honest_wait_ms(int messages,
+                      const dvx_message &message = make_message("powerhal", DVX_CODE_ROTATION,
+                                                                {})) {
     double worst = 0;
     for (int i = 0; i < messages; ++i) {
-        const int64_t before = clock_monotonic_ns();
-        const dvx_message message = make_message("powerhal", DVX_CODE_ROTATION, {});
-        dvx_message_send_and_wait(&message);
-        worst = std::max(worst, static_cast<double>(clock_monotonic_ns() - before) / 1e6);
+        const auto before = std::chrono::steady_clock::now();
+        dvx_message_send_and_wait(&message, answer_timeout_ms);
+        const std::chrono::duration<double, std::milli> waited =
+            std::chrono::steady_clock::now() - before;
+        worst = std::max(worst, waited.count());
     }
     return worst;
 }
@@ -140,78 +78,60 @@ void print_wait(const char *beside, double wait_ms) {
     fflush(stdout);
 }
 
+void stay_silent(const char *who, size_t count) {
+    std::vector<int> connections(count);
+    for (int &fd : connections)
+        fd = dvx_client_connect(-1);
+    print_wait(who, honest_wait_ms(1));
+    for (const int fd : connections)
+        close(fd);
+}
+
+// Beside somebody who does the same again and again.
+void repeat(const char *who, int messages, void (*misbehave)(int fd)) {
+    std::atomic<bool> stop = false;
+    std::thread other([&] {
+        while (!stop) {
+            const int fd = dvx_client_connect(-1);
+            misbehave(fd);
+            close(fd);
+        }
+    });
+    print_wait(who, honest_wait_ms(messages));
+    stop = true;
+    other.join();
+}
+
 void meet_hostile_clients() {
     printf("\n| beside an honest client | its longest wait |\n|---|---|\n");
     print_wait("nobody", honest_wait_ms(50));
-    std::vector<int> connections;
-    const auto connect_many = [&](int count) {
-        for (int i = 0; i < count; ++i)
-            connections.push_back(dvx_client_connect());
-    };
-    const auto close_all = [&] {
-        for (const int fd : connections)
-            close(fd);
-        connections.clear();
-    };
-    connect_many(1);
-    print_wait("one that stays silent", honest_wait_ms(1));
-    close_all();
-    connect_many(5);
-    print_wait("five that stay silent", honest_wait_ms(1));
-    close_all();
-
-    std::atomic<bool> stop = false;
-    std::thread trickler([&] {
-        while (!stop) {
-            const int fd = dvx_client_connect();
-            for (int i = 0; fd >= 0 && i < 5 && send(fd, "x", 1, MSG_NOSIGNAL) == 1; ++i)
-                usleep(1000);
-            shutdown(fd, SHUT_WR);
-            close(fd);
-        }
+    stay_silent("one that stays silent", 1);
+    stay_silent("five that stay silent", 5);
+    repeat("one that trickles and half-closes", 50, [](int fd) {
+        for (int i = 0; fd >= 0 && i < 5 && send(fd, "x", 1, MSG_NOSIGNAL) == 1; ++i)
+            usleep(1000);
+        shutdown(fd, SHUT_WR);
     });
-    print_wait("one that trickles and half-closes", honest_wait_ms(50));
-    stop = true;
-    trickler.join();
-
-    stop = false;
-    std::thread crowd([&] {
-        while (!stop) {
-            const int fd = dvx_client_connect();
-            close(fd);
-        }
-    });
-    print_wait("one that connects and leaves, without end", honest_wait_ms(200));
-    stop = true;
-    crowd.join();
-    {
-        const service_socket accepts_nothing(gbm_service);
-        print_wait("a service that accepts and never reads", honest_wait_ms(50));
-        listen(accepts_nothing.fd, 0);
-        print_wait("a service whose queue is full", honest_wait_ms(3));
-    }
+    repeat("one that connects and leaves, without end", 200, [](int) {});
+    const service_socket accepts_nothing(gbm_service);
+    print_wait("a service that accepts and never reads", honest_wait_ms(50));
+    listen(accepts_nothing.fd, 0);
+    const dvx_message game = make_message("powerhal", DVX_CODE_GAME, {0, 1, 60, 0});
+    print_wait("a service whose queue is full: a game's first report", honest_wait_ms(1, game));
+    print_wait("its next twenty reports", honest_wait_ms(20, game));
 }
 
-bool load(test_device *device, int pid, int seconds) {
-    counts done;
-    std::atomic<bool> stop = false;
-    std::vector<std::thread> workers;
-    for (unsigned client = 0; client < clients; ++client)
-        workers.emplace_back(send_messages, client + 1, &stop, &done);
-    workers.emplace_back(report_intervals, device->root, &stop, &done);
-    workers.emplace_back(report_panel, device->root, &stop, &done);
+bool hold(test_device *device, int pid, int seconds, const scenario &at_rest) {
+    load done(device->root, clients);
     const int warm_s = std::min(60, seconds / 2);
     sleep(static_cast<unsigned>(warm_s));
     const figures warm = read_figures(pid);
     sleep(static_cast<unsigned>(seconds - warm_s));
-    stop = true;
-    for (std::thread &worker : workers)
-        worker.join();
+    done.end();
     usleep(settle_us);
     const figures after = read_figures(pid);
-    const bool exact = is_exact(device);
-    std::ifstream log(device->root + device_daemon_log);
-    const std::string said{std::istreambuf_iterator<char>(log), {}};
+    const bool exact = is_exact(device->root, at_rest);
+    const std::string said = device_read_file(device->root + device_daemon_log);
     const bool silent = said.find("Sanitizer") == std::string::npos;
 
     printf("%d s: %ld messages, %ld intervals, %ld panel changes; %ld messages unanswered\n",
@@ -228,16 +148,21 @@ bool load(test_device *device, int pid, int seconds) {
     // A sanitizer keeps books of its own, whose growth says nothing of the daemon's.
     const bool flat = getenv("DVX_SANITIZED") != nullptr ||
                       after.resident_kib - warm.resident_kib <= growth_max_kib;
-    return done.unanswered == 0 && exact && silent && flat &&
-           after.descriptors <= warm.descriptors && waitpid(pid, nullptr, WNOHANG) == 0;
+    const bool alive = waitpid(pid, nullptr, WNOHANG) == 0;
+    const bool closed = after.descriptors <= warm.descriptors;
+    printf("memory %s, descriptors %s, the daemon %s\n", flat ? "flat" : "GROWS",
+           closed ? "closed" : "LEFT OPEN", alive ? "lives" : "DIED");
+    return done.unanswered == 0 && exact && silent && flat && closed && alive;
 }
 
 }  // namespace
 
 int main(int argc, char **argv) {
-    const int seconds = argc == 2 ? atoi(argv[1]) : 0;
-    if (seconds < 2) {
-        fprintf(stderr, "usage: soak SECONDS, at least 2\n");
+    const int seconds = argc == 3 ? atoi(argv[1]) : 0;
+    std::ifstream input(argc == 3 ? argv[2] : "");
+    const scenario_file at_rest = read_scenarios(input);
+    if (seconds < 2 || !at_rest.error.empty()) {
+        fprintf(stderr, "usage: soak SECONDS SCENARIO, at least 2; %s\n", at_rest.error.c_str());
         return 2;
     }
     if (!isolate_network()) {
@@ -250,7 +175,7 @@ int main(int argc, char **argv) {
         fprintf(stderr, "soak: the daemon does not start\n");
         return 1;
     }
-    const bool held = load(&device, pid, seconds);
+    const bool held = hold(&device, pid, seconds, at_rest.scenarios[0]);
     meet_hostile_clients();
     const bool alive = waitpid(pid, nullptr, WNOHANG) == 0;
     kill(pid, SIGKILL);

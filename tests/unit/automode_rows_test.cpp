@@ -1,9 +1,11 @@
-// Automode with rows of other kinds than the built-in ones.
+// Automode with rows of other kinds than the built-in ones, and the kernel node that one of them
+// uses.
 #include <gtest/gtest.h>
 
 #include "core/event_manager.h"
+#include "device/virtual_device.h"
 #include "features/automode.h"
-#include "features/thermal_engine.h"
+#include "resource/thermal_engine.h"
 #include "tests/support/log_sink.h"
 #include "tests/support/test_device.h"
 
@@ -74,6 +76,28 @@ TEST_F(AutomodeRows, WhatTheDeviceLacksIsNamed) {
     EXPECT_EQ(errors_logged("This device doesn't support kernel node for automode." + blanks +
                             " Check Automode configurations"),
               1);
+}
+
+TEST_F(AutomodeRows, KernelNodeIsBoundAndUsed) {
+    EXPECT_EQ(set_kernel_automode_freq(7), -22);
+    EXPECT_EQ(errors_logged("set_kernel_automode_freq"), 1);
+    device_answers(&device, "init_automode_node", "3");
+    EXPECT_EQ(init_automode_kernel_node(), 3);
+    EXPECT_EQ(set_kernel_automode_freq(7), -22);
+    device_answers(&device, "init_automode_node", "0");
+    EXPECT_EQ(init_automode_kernel_node(), 0);
+    EXPECT_EQ(init_automode_kernel_node(), 0);
+    device_answers(&device, "set_automode_freq", "9");
+    EXPECT_EQ(set_kernel_automode_freq(UINT32_MAX), 9);
+    EXPECT_EQ(device_calls(&device),
+              (calls{"init_automode_node", "init_automode_node", "set_automode_freq 4294967295"}));
+}
+
+TEST_F(AutomodeRows, KernelNodeSaysWhatIsMissing) {
+    device_hide_symbol(device.root + "/vendor/lib64/libhwresource.so", "set_automode_freq");
+    EXPECT_EQ(init_automode_kernel_node(), -22);
+    EXPECT_EQ(count_logged_like("Failed to dlsym set_automode_freq : "), 1);
+    EXPECT_EQ(infos_logged("This device doesn't support thermal engine"), 1);
 }
 
 }  // namespace

@@ -4,9 +4,11 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <limits.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <fstream>
 #include <regex>
 #include <thread>
@@ -38,16 +40,54 @@ TEST(Log, OneLineAMessageInThreadtimeForm) {
 
 TEST(Log, NewlineFromOutsideForgesNoLine) {
     const std::string text = captured([] {
-        __android_log_print(ANDROID_LOG_ERROR, "Quorvel", "%s", "a\n11-22 I Quorvel : forged\nb");
+        __android_log_print(ANDROID_LOG_ERROR, "Quorvel", "%s",
+                            "a\n11-22 I Quorvel : forged\nb\r11-22 forged");
     });
     EXPECT_TRUE(std::regex_match(
         text, std::regex("(.* E Quorvel : a\n)(.* E Quorvel : 11-22 I Quorvel : forged\n)"
-                         "(.* E Quorvel : b\n)")))
+                         "(.* E Quorvel : b\\?11-22 forged\n)")))
         << text;
     const std::string newlines(2000, '\n');
     const std::string flood =
         captured([&] { __android_log_print(ANDROID_LOG_ERROR, "T", "x%sx", newlines.c_str()); });
     EXPECT_TRUE(std::regex_match(flood, std::regex(".* E T       : x\n"))) << flood;
+}
+
+TEST(Log, GoesOutInWholeLinesThatNoOtherWriteParts) {
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_DIRECT), 0);  // a packet a write
+    const int standard_error = dup(STDERR_FILENO);
+    dup2(ends[1], STDERR_FILENO);
+    std::string lines;
+    for (int i = 0; i < 400; ++i)
+        lines += "x\n";
+    __android_log_print(ANDROID_LOG_INFO, "T", "%s", lines.c_str());
+    dup2(standard_error, STDERR_FILENO);
+    close(ends[1]);
+    int count = 0;
+    char packet[PIPE_BUF + 1];
+    for (ssize_t size; (size = read(ends[0], packet, sizeof(packet))) > 0;) {
+        EXPECT_LE(size, PIPE_BUF);
+        EXPECT_EQ(packet[size - 1], '\n');
+        count += static_cast<int>(std::count(packet, packet + size, '\n'));
+    }
+    EXPECT_EQ(count, 400);
+
+    // Nobody reads any more: the lines are lost, and nothing else is.
+    ASSERT_EQ(pipe2(ends, 0), 0);
+    close(ends[0]);
+    dup2(ends[1], STDERR_FILENO);
+    EXPECT_LT(__android_log_print(ANDROID_LOG_INFO, "T", "x"), 0);
+    dup2(standard_error, STDERR_FILENO);
+    close(ends[1]);
+    close(standard_error);
+}
+
+TEST(Log, ShowsMicrosecondsWhenAsked) {
+    setenv("DVXD_LOG", "usec", 1);
+    const std::string line = captured([] { __android_log_print(ANDROID_LOG_INFO, "T", "x"); });
+    EXPECT_TRUE(std::regex_match(line, std::regex(".*:\\d\\d\\.\\d{6} .* I T       : x\n")))
+        << line;
 }
 
 TEST(Properties, AreFilesThatAreReplacedWhole) {

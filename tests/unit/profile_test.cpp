@@ -8,8 +8,9 @@
 #include "features/profile_configuration.h"
 #include "features/profile_controller.h"
 #include "features/profile_manager.h"
-#include "tests/support/allocation.h"
+#include "simulator/allocation.h"
 #include "tests/support/log_sink.h"
+#include "tests/support/memory.h"
 #include "tests/support/test_device.h"
 
 namespace {
@@ -85,9 +86,12 @@ TEST_F(Profiles, LaterSlotWinsAndTheOldLockGoesFirst) {
     EXPECT_EQ(raise(EV_MODE_GAME_DEFAULT), calls{});
     EXPECT_EQ(window("com.seven"), (calls{release, "perf_lock_use_profile 0 7"}));
     EXPECT_EQ(infos_logged("App Name com.seven, Prof 7"), 1);
+    EXPECT_EQ(infos_logged("Profile Type:2 cleared"), 0);
     EXPECT_EQ(raise(EV_MODE_SNS), calls{});  // the app's wins
     EXPECT_EQ(window("com.minus"), (calls{release, "perf_lock_use_profile 0 4"}));
     EXPECT_EQ(infos_logged("Profile Type:2 cleared"), 1);
+    EXPECT_EQ(infos_logged("Profile [7] Clear"), 1);
+    EXPECT_EQ(infos_logged("Profile [4] Set"), 1);
     EXPECT_EQ(infos_logged("==> TYPE[1] : 4"), 2);
     EXPECT_EQ(raise(EV_MODE_BROWSER), calls{release});  // 0 holds nothing
     EXPECT_EQ(raise(EV_MODE_GEO), calls{});
@@ -126,22 +130,14 @@ TEST_F(Profiles, FailuresOfTheLibraryAreSaid) {
     EXPECT_EQ(errors_logged("Invalid profile hint ID."), 2);  // gone all the same
 }
 
-TEST_F(Profiles, LibraryThatIsMissing) {
-    device_set_property(&device, "ro.vendor.extension_library", "/vendor/none.so");
+TEST_F(Profiles, HintsThatAreOverAreFreed) {
     start();
-    EXPECT_EQ(raise(EV_MODE_GAME_DEFAULT), calls{});
-    init_profile_manager_ext();
-    EXPECT_EQ(count_logged_like("Unable to open /vendor/none.so: "), 1);
-    EXPECT_EQ(errors_logged("Failed to get qcopt handle.\n"), 1);
-    device_set_property(&device, "ro.vendor.extension_library", "");
-    init_profile_manager_ext();
-    EXPECT_EQ(errors_logged("Failed to get qcopt handle.\n"), 2);
-    device_hide_symbol(device.root + "/vendor/lib64/libqcopt.so", "perf_lock_use_profile");
-    device_set_property(&device, "ro.vendor.extension_library", "/vendor/lib64/libqcopt.so");
-    init_profile_manager_ext();
-    EXPECT_EQ(errors_logged("Unable to get perf_lock_use_profile function handle.\n"), 1);
-    EXPECT_EQ(raise(EV_MODE_SNS), calls{});
-    cleanup_profile_manager_ext();
+    EXPECT_TRUE(gives_back_what_it_takes([] {
+        perform_hint_action_profile(5, 6);
+        undo_hint_action_profile(5);
+        fail_allocation_after(1);
+        perform_hint_action_profile(5, 6);
+    }));
 }
 
 TEST_F(Profiles, ConfigurationWithoutMemory) {

@@ -2,14 +2,19 @@
 #include "ipc/client_server.h"
 
 #include <cutils/sockets.h>
-#include <dirent.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/select.h>
 
+#include <filesystem>
 #include <mutex>
 #include <thread>
 
-#include "tests/support/allocation.h"
+#include "simulator/allocation.h"
 #include "tests/support/log_sink.h"
+#include "tests/support/memory.h"
 #include "tests/support/test_device.h"
 
 namespace {
@@ -25,13 +30,8 @@ void serve_other(int32_t, const void *) {
     served += "other ";
 }
 
-int open_descriptors() {
-    int count = 0;
-    DIR *directory = opendir("/proc/self/fd");
-    while (readdir(directory) != nullptr)
-        ++count;
-    closedir(directory);
-    return count;
+auto open_descriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
 dvx_message message_of(const char *client, int32_t code, const char *text) {
@@ -53,20 +53,21 @@ struct Server : testing::Test {
         clear_log();
     }
 
-    void send_bytes(const void *bytes, size_t size) {
-        const int fd = dvx_client_connect();
-        ASSERT_GE(fd, 0);
-        if (size > 0) {
-            EXPECT_EQ(send(fd, bytes, size, MSG_NOSIGNAL), static_cast<ssize_t>(size));
-        }
+    static void send_on(int fd, const void *bytes, size_t size) {
+        EXPECT_EQ(send(fd, bytes, size, MSG_NOSIGNAL), static_cast<ssize_t>(size));
+    }
+
+    void send_bytes(const void *bytes, size_t size) const {
+        const int fd = dvx_client_connect(-1);
+        send_on(fd, bytes, size);
         shutdown(fd, SHUT_WR);
         serve_client(listening_fd);
         close(fd);
     }
 };
 
-TEST_F(Server, TakesExactlyOneMessage) {
-    const int before = open_descriptors();
+TEST_F(Server, TakesExactlyOneMessageAndGivesASilentClientUp) {
+    const auto before = open_descriptors();
     dvx_message two[2] = {message_of("vrhal", 21, "a"), message_of("vrhal", 5, "b")};
     send_bytes(two, sizeof(two[0]));
     send_bytes(two, sizeof(two[0]) - 1);
@@ -78,6 +79,13 @@ TEST_F(Server, TakesExactlyOneMessage) {
     send_bytes(nullptr, 0);
     EXPECT_EQ(errors_logged("recv_data_from_client recv failed\n"), 1);
     EXPECT_EQ(open_descriptors(), before);
+
+    const int silent = dvx_client_connect(-1);
+    serve_client(listening_fd);
+    EXPECT_EQ(errors_logged("recv_data_from_client recv failed\n"), 2);
+    char byte;
+    EXPECT_EQ(recv(silent, &byte, 1, 0), 0);  // closed
+    close(silent);
 }
 
 TEST_F(Server, SaysWhomItDoesNotKnow) {
@@ -95,12 +103,54 @@ TEST_F(Server, SaysWhomItDoesNotKnow) {
     EXPECT_EQ(served, "");
 }
 
-TEST_F(Server, GivesASilentClientUp) {
-    const int fd = dvx_client_connect();
+TEST_F(Server, KeepsNoSenderBeyondItsLimitWhenItIsStopped) {
+    const dvx_message message = message_of("vrhal", 21, "a");
+    EXPECT_EQ(dvx_message_send_and_wait(&message, 5), -ETIMEDOUT);
+    int queued = 1;
+    int result;
+    while ((result = dvx_message_send(&message, 0)) == 0)
+        ++queued;
+    EXPECT_EQ(result, -EAGAIN);
+    EXPECT_EQ(dvx_message_send_and_wait(&message, 5), -EAGAIN);
+    for (int i = 0; i < queued; ++i)
+        serve_client(listening_fd);
+    EXPECT_EQ(served.size(), static_cast<size_t>(queued) * strlen("21:a "));
+}
+
+// As when a debugger stops and continues the daemon.
+TEST_F(Server, TakesAMessageThoughASignalInterruptsTheReceive) {
+    signal(SIGUSR1, [](int) {});
+    const int fd = dvx_client_connect(-1);
+    std::thread listener(serve_client, listening_fd);
+    for (int i = 0; i < 20; ++i) {
+        usleep(1000);
+        pthread_kill(listener.native_handle(), SIGUSR1);
+    }
+    const dvx_message message = message_of("vrhal", 21, "late");
+    send_on(fd, &message, sizeof(message));
+    listener.join();
+    EXPECT_EQ(served, "21:late ");
+    close(fd);
+}
+
+TEST_F(Server, RestsWhileItHasNoDescriptorAndServesThen) {
+    const int fd = dvx_client_connect(-1);
+    const dvx_message message = message_of("vrhal", 21, "a");
+    send_on(fd, &message, sizeof(message));
+    rlimit before;
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit none = {static_cast<rlim_t>(fd), before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    rusage start;
+    rusage end;
+    getrusage(RUSAGE_THREAD, &start);
+    for (int i = 0; i < 5; ++i)
+        serve_client(listening_fd);
+    getrusage(RUSAGE_THREAD, &end);
+    EXPECT_GE(end.ru_nvcsw - start.ru_nvcsw, 5);  // slept each time
+    setrlimit(RLIMIT_NOFILE, &before);
     serve_client(listening_fd);
-    EXPECT_EQ(errors_logged("recv_data_from_client recv failed\n"), 1);
-    char byte;
-    EXPECT_EQ(recv(fd, &byte, 1, 0), 0);  // closed
+    EXPECT_EQ(served, "21:a ");
     close(fd);
 }
 
@@ -109,6 +159,7 @@ TEST_F(Server, KeepsTheFirstRegistration) {
     EXPECT_EQ(errors_logged("The callback of the client vrhal is registered already."), 1);
     EXPECT_EQ(register_callback("a-name-of-more-than-19", serve_other), 0);
     EXPECT_EQ(register_callback("a-name-of-more-than", serve), -22);
+    EXPECT_TRUE(gives_back_what_it_takes([] { register_callback("vrhal", serve_other); }));
     fail_allocation_after(0);
     EXPECT_EQ(register_callback("dgpc", serve), -22);
     EXPECT_EQ(errors_logged("Failed to allocate memory\n"), 1);
@@ -117,17 +168,25 @@ TEST_F(Server, KeepsTheFirstRegistration) {
     EXPECT_EQ(served, "1:x ");
 }
 
-TEST_F(Server, RefusesANameThatIsTaken) {
+TEST_F(Server, RefusesANameThatIsTakenAndADescriptorThatSelectCannotWatch) {
     EXPECT_EQ(server_init(), -22);
-    EXPECT_EQ(errors_logged("fail to create socket\n"), 1);
     close(listening_fd);
+    rlimit limit;
+    getrlimit(RLIMIT_NOFILE, &limit);
+    limit.rlim_cur = FD_SETSIZE + 100;
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    while (open("/dev/null", O_RDONLY) < FD_SETSIZE - 1) {
+    }
+    EXPECT_EQ(server_init(), -22);
+    EXPECT_EQ(errors_logged("fail to create socket\n"), 2);
+    close(FD_SETSIZE - 1);
     EXPECT_EQ(server_init(), 0);
     // The thread serves clients that come at once, one after the other.
     std::vector<std::thread> clients;
     for (int i = 0; i < 8; ++i)
         clients.emplace_back([] {
             const dvx_message message = message_of("vrhal", 3, "t");
-            EXPECT_EQ(dvx_message_send_and_wait(&message), 0);
+            EXPECT_EQ(dvx_message_send_and_wait(&message, -1), 0);
         });
     for (std::thread &client : clients)
         client.join();

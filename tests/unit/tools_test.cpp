@@ -1,32 +1,13 @@
-// The tool's own inputs: frame files and logs.
+// The tool's own inputs: logs and scenarios.
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-#include "tools/frames.h"
 #include "tools/messages.h"
+#include "tools/scenario.h"
 #include "tools/timeline.h"
 
 namespace {
-
-frame_file frames_of(const std::string &text, const std::string &column = "", double unit = 1) {
-    std::istringstream input(text);
-    return read_frames(input, column, unit);
-}
-
-TEST(FrameFiles, AreReadWholeOrRefusedWhole) {
-    EXPECT_EQ(frames_of("16666\n\n 33333 \r\n-5\n").intervals_us,
-              (std::vector<int64_t>{16666, 33333, -5}));
-    EXPECT_EQ(frames_of("16.66\n8.35\n", "", 1000).intervals_us,
-              (std::vector<int64_t>{16660, 8350}));
-    EXPECT_EQ(frames_of("App,\"ms\",x\na,16.5,1\nb,17,2\n", "ms", 1000).intervals_us,
-              (std::vector<int64_t>{16500, 17000}));
-    EXPECT_EQ(frames_of("a,b\n1,2\n", "c").error, "no column 'c' in line 1");
-    EXPECT_EQ(frames_of("16666\nfast\n").error, "line 2: not an interval: 'fast'");
-    EXPECT_EQ(frames_of("a,b\n1\n", "b").error, "line 2: not an interval: ''");
-    EXPECT_NE(frames_of("99999999999\n").error, "");
-    EXPECT_NE(frames_of("nan\n").error, "");
-}
 
 TEST(Timeline, ReadsTheDaemonsLog) {
     const timeline_entry event =
@@ -37,18 +18,85 @@ TEST(Timeline, ReadsTheDaemonsLog) {
         parse_daemon_line("11-22 19:32:11.125  1234  1240 E Quorvel : J: 6, JT: 5", 0);
     EXPECT_EQ(later.kind, timeline_log);
     EXPECT_EQ(later.text, "J: 6, JT: 5");
-    EXPECT_EQ(later.time_ms - event.time_ms, 1002);
+    EXPECT_EQ(later.time_ns - event.time_ns, 1002000000);
+    EXPECT_EQ(later.thread, 1240);
+    const timeline_entry exact =
+        parse_daemon_line("11-22 19:32:10.123456  1234  1240 I Quorvel : x", 0);
+    EXPECT_EQ(event.time_ns - exact.time_ns, 999000 - 456000);
     EXPECT_EQ(parse_daemon_line("11-22 19:32:10.123 1 1 I Quorvel : EV : 77", 0).text, "77 ?");
-    EXPECT_EQ(parse_daemon_line("something else", 7).time_ms, 7);
+    EXPECT_EQ(parse_daemon_line("something else", 7).time_ns, 7);
 }
 
-TEST(Messages, AreDescribedAsTheyAreSent) {
-    EXPECT_EQ(describe_message(make_message("powerhal", 0, {1, 1, 45}), false),
-              "powerhal 0 1 1 45");
-    EXPECT_EQ(describe_message(make_message("a-client-of-more-than-19", 8, {}), false),
-              "a-client-of-more-th 8 0");
+TEST(Messages, AreDescribedInTheWordsThatSendThem) {
+    const std::pair<dvx_message, const char *> described[] = {
+        {make_message("powerhal", 0, {1, 1, 45}),
+         "game on --fps 45 --tuner 1  (powerhal 0 1 1 45)"},
+        {make_message("powerhal", 0, {0, 2, 45}), "raw powerhal 0 0 2 45"},
+        {make_message("powerhal", 9, {}), "rotate  (powerhal 9)"},
+        {make_message("powerhal", 9, {1}), "raw powerhal 9 1"},
+        {make_message("lowpowermode", 0, {1, 2, 1}), "lpm 2 --cap  (lowpowermode 0 1 2 1)"},
+        {make_message("lowpowermode", 0, {}), "lpm off  (lowpowermode 0)"},
+        {make_message("automode", 0, {3}), "automode resume  (automode 0 3)"},
+        {make_text_message("powerhal", 15, "2:com.home"), "home 2 com.home  (powerhal 15)"},
+        {make_message("a-client-of-more-than-19", 8, {}), "raw a-client-of-more-th 8"}};
+    for (const auto &[message, words] : described)
+        EXPECT_EQ(describe_message(message, false), words);
     EXPECT_EQ(describe_message(make_text_message("powerhal", 4, std::string(300, 'w')), true),
-              "powerhal 4 " + std::string(255, 'w'));
+              "window " + std::string(255, 'w') + "  (powerhal 4)");
+    EXPECT_EQ(describe_message(make_text_message("x", 4, "t"), true), "raw x 4 --text t");
+}
+
+scenario_file scenarios_of(const std::string &text) {
+    std::istringstream input(text);
+    return read_scenarios(input);
+}
+
+TEST(ScenarioFiles, NameTheLineThatIsWrong) {
+    const std::pair<const char *, const char *> wrong[] = {
+        {"# nothing\n", "no scenario in it"},
+        {"game on\n", "line 1: a scenario begins with"},
+        {"= a\ngame on\n", "line 1: 'a' expects nothing"},
+        {"= a\ngmae on | nothing\n", "line 2: unknown word 'gmae'"},
+        {"= a\ngame on --fps 500 | nothing\n", "line 2: --fps"},
+        {"= a\nframes 3 fast | nothing\n", "line 2: 'fast'"},
+        {"= a\ntouch | event\n", "line 2: which event?"},
+        {"= a\ntouch | evnt interaction\n", "line 2: unknown record 'evnt'"},
+        {"= a\ntouch |\n", "line 2: nothing is expected behind the bar"},
+        {"= a\ntouch | log \"x\n", "line 2: a quote is not closed"},
+        {"= a\ntouch | event intercation\n", "line 2: no event is named"},
+        {"= a\ntouch | no hw requset_fps\n", "line 2: no library call is named"},
+        {"= a\nfailing thread nobody\nstart | nothing\n", "line 2: failing wants"},
+        {"= a\ntouch\nwithout request_fps | nothing\n", "line 3: this stands before"},
+        {"= a\nframes 999999999999 1 | nothing\n", "line 2: frames wants"},
+        {"= a\n+99999999999999999999 | nothing\n", "line 2: '+9"},
+        {"= a\n| event touch\n", "line 2: nothing is expected before this"}};
+    for (const auto &[text, reason] : wrong)
+        EXPECT_EQ(scenarios_of(text).error.find(reason), 0u) << scenarios_of(text).error;
+    for (const char *mark : {"", "\xef\xbb\xbf"})
+        EXPECT_EQ(
+            scenarios_of(std::string(mark) + "= a\ntouch | event interaction\n | no hw\n").error,
+            "");
+}
+
+// What one expectation says of an event, two calls and a line of the log.
+TEST(Expectations, HoldOrDoNot) {
+    const std::vector<timeline_entry> records = {
+        {0, timeline_event, 0, "43 EV_MODE_GAME_DEFAULT", "", 0},
+        {0, timeline_hardware, 0, "request_fps 45", "", 0},
+        {0, timeline_log, 0, "PM Complete!\n", "", 4},
+        {0, timeline_hardware, 0, "request_fps 60", "", 0}};
+    const auto holds = [&](const char *text) {
+        const scenario_file file = scenarios_of(std::string("= a\ntouch | ") + text + "\n");
+        EXPECT_EQ(file.error, "") << text;
+        return check_expectation(file.scenarios[0].steps[0].then, records).empty();
+    };
+    EXPECT_TRUE(holds("hw request_fps 60; event 43"));  // order counts within a kind alone
+    EXPECT_TRUE(holds("only hw request_fps 45; hw request_fps 60; info \"PM Complete!\\n\""));
+    for (const char *text :
+         {"event mode_geo", "hw request_fps 60; hw request_fps 45", "hw request_fps",
+          "only hw request_fps 60", "only hw request_fps 45", "info \"PM Complete!\"",
+          "error PM Complete!", "no hw request_fps", "no event", "nothing"})
+        EXPECT_FALSE(holds(text)) << text;
 }
 
 }  // namespace

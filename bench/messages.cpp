@@ -1,5 +1,6 @@
 // A message: connect, send, handler returned, closed; against a bare server with the same system
-// calls. A client waits for the end of each message, or keeps as many under way as the queue holds.
+// calls, its limit to a silent client's patience included, and against one without that limit. A
+// client waits for the end of each message, or keeps as many under way as the queue holds.
 #include <benchmark/benchmark.h>
 #include <cutils/sockets.h>
 #include <sys/select.h>
@@ -14,12 +15,13 @@
 namespace {
 
 constexpr char floor_socket[] = "dvx-floor";
+constexpr char bare_socket[] = "dvx-bare";  // without the limit
 constexpr int backlog = 20;
 constexpr int burst_max = 16;  // messages under way at once
 
-// The bare server: the same calls to the system and nothing else.
-void serve_floor(int listening_fd) {
-    constexpr timeval timeout = {1, 0};
+// The server's calls to the system and nothing else.
+void serve_floor(int listening_fd, bool limited) {
+    constexpr timeval timeout = {0, 500000};
     fd_set watched;
     FD_ZERO(&watched);
     FD_SET(listening_fd, &watched);
@@ -31,17 +33,20 @@ void serve_floor(int listening_fd) {
         socklen_t length = sizeof(address);
         const int fd =
             accept4(listening_fd, reinterpret_cast<sockaddr *>(&address), &length, SOCK_CLOEXEC);
-        setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof(timeout));
+        if (limited)
+            setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof(timeout));
         benchmark::DoNotOptimize(recv(fd, &message, sizeof(message), 0));
         close(fd);
     }
 }
 
-void start_floor() {
+void start_floors() {
     static const bool started = [] {
-        const int fd = socket_local_server(floor_socket, 0, SOCK_STREAM);
-        listen(fd, backlog);
-        std::thread(serve_floor, fd).detach();
+        for (const char *name : {floor_socket, bare_socket}) {
+            const int fd = socket_local_server(name, 0, SOCK_STREAM);
+            listen(fd, backlog);
+            std::thread(serve_floor, fd, name == floor_socket).detach();
+        }
         return true;
     }();
     benchmark::DoNotOptimize(started);
@@ -102,10 +107,16 @@ void message_round_trip(benchmark::State &state) {
 BENCHMARK(message_round_trip)->UseRealTime();
 
 void message_round_trip_floor(benchmark::State &state) {
-    start_floor();
+    start_floors();
     round_trips(state, floor_socket);
 }
 BENCHMARK(message_round_trip_floor)->UseRealTime();
+
+void message_round_trip_bare(benchmark::State &state) {
+    start_floors();
+    round_trips(state, bare_socket);
+}
+BENCHMARK(message_round_trip_bare)->UseRealTime();
 
 void message_burst(benchmark::State &state) {
     start_server();
@@ -114,7 +125,7 @@ void message_burst(benchmark::State &state) {
 BENCHMARK(message_burst)->Arg(4)->Arg(burst_max)->UseRealTime();
 
 void message_burst_floor(benchmark::State &state) {
-    start_floor();
+    start_floors();
     bursts(state, floor_socket);
 }
 BENCHMARK(message_burst_floor)->Arg(4)->Arg(burst_max)->UseRealTime();

@@ -96,7 +96,7 @@ void load(const std::string &root, int intervals, int messages) {
     dvx_message message;
     dvx_message_init(&message, "powerhal", DVX_CODE_GAME);
     message.payload.values[1] = 1;
-    dvx_message_send_and_wait(&message);
+    dvx_message_send_and_wait(&message, -1);
     const int fd = device_open_node(root, device_interval_node);
     for (int i = 0; i < intervals; ++i)
         device_report_interval(fd, 16700);
@@ -104,7 +104,7 @@ void load(const std::string &root, int intervals, int messages) {
     for (int i = 0; i < messages; ++i) {
         dvx_message_init(&message, "powerhal", i % 2 != 0 ? DVX_CODE_FPS_LOCK : DVX_CODE_BROWSER);
         message.payload.values[0] = i % 4 / 2;
-        dvx_message_send_and_wait(&message);
+        dvx_message_send_and_wait(&message, -1);
     }
 }
 
@@ -135,7 +135,7 @@ process_figures measure_process(void) {
     load(bench_device(), load_intervals, load_messages);
     dvx_message message;
     dvx_message_init(&message, "powerhal", DVX_CODE_SOFT_KEY);
-    dvx_message_send_and_wait(&message);
+    dvx_message_send_and_wait(&message, -1);
     sleep(2);
     figures.after_load_kib = resident_kib(pid);
     figures.timer_wakeups = wakeups_a_second(pid);

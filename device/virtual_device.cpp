@@ -120,7 +120,9 @@ int start_program(const std::string &root, std::vector<std::string> words, const
 
 std::string device_read_file(const std::string &path) {
     std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::stringstream content;  // reading an attribute may fail, which iterators throw
+    content << file.rdbuf();
+    return content.str();
 }
 
 int64_t device_file_size(const std::string &path) {

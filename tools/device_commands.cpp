@@ -7,12 +7,29 @@
 
 #include "device/hardware_conf.h"
 #include "device/virtual_device.h"
+#include "tools/command_line.h"
+#include "tools/day.h"
 #include "tools/delivery.h"
 #include "tools/device_run.h"
 #include "tools/frames/frames_command.h"
+#include "tools/play.h"
 #include "tools/services.h"
+#include "tools/watch.h"
+#include "tools/words.h"
 
 namespace {
+
+constexpr char virtual_time[] = "virtual";
+
+struct arguments {
+    std::string file;
+    std::string only;
+    std::string time = virtual_time;
+    bool stay = false;
+    bool all = false;
+    bool brief = false;
+    bool why = false;
+};
 
 int fail(const std::string &reason) {
     fprintf(stderr, "dvxctl: %s\n", reason.c_str());
@@ -81,9 +98,7 @@ int property(const std::string &root, const std::string &name, const std::string
     return 0;
 }
 
-}  // namespace
-
-void add_device_commands(CLI::App *parent, const std::string *root, int *exit_code) {
+void add_commands_of_device(CLI::App *parent, const std::string *root, int *exit_code) {
     parent->require_subcommand(1);
     parent->add_subcommand("create", "Lay out a fresh device")->callback([=] {
         *exit_code = create(*root);
@@ -114,4 +129,41 @@ void add_device_commands(CLI::App *parent, const std::string *root, int *exit_co
     const CLI::Option *given = prop_command->add_option("VALUE", *value, "Its new value");
     prop_command->callback(
         [=] { *exit_code = property(*root, *name, given->count() > 0 ? value.get() : nullptr); });
+}
+
+}  // namespace
+
+void add_device_commands(CLI::App *parent, const std::string *root, int *exit_code) {
+    auto given = std::make_shared<arguments>();
+    CLI::App *device = parent->add_subcommand("device", "Virtual devices")->group("Virtual device");
+    CLI::App *watch =
+        parent->add_subcommand("watch", "Follow a device as one timeline")->group("Virtual device");
+    CLI::App *day = parent->add_subcommand("day", "Play a short day on a fresh device")
+                        ->group("Virtual device");
+    add_commands_of_device(device, root, exit_code);
+    watch->add_flag("--brief", given->brief, "Without start-up's tables and the book-keeping");
+    watch->add_flag("--why", given->why, "Each line of the log in words beneath it");
+    watch->callback([=] { *exit_code = watch_device(*root, given->brief, given->why); });
+    CLI::App *play =
+        parent->add_subcommand("play", "Play scenarios and hold what must follow against it")
+            ->group("Virtual device");
+    play->add_option("FILE", given->file, "Scenarios, as docs/scenarios.md has them")->required();
+    play->add_option(
+            "--time", given->time,
+            "virtual: in the simulator; real, or N times as fast: on a fresh device at the root")
+        ->check([](const std::string &text) { return check_speed(text, virtual_time); })
+        ->capture_default_str();
+    play->add_option("--only", given->only, "The scenario of that name alone");
+    play->add_flag("--show", given->all, "Print each line with what followed it");
+    play->callback([=] {
+        if (given->time != virtual_time && root->empty())
+            throw CLI::RequiredError("--root or DVXD_ROOT");
+        *exit_code = play_file(given->file, given->only, *root,
+                               parse_speed(given->time, virtual_time), given->all);
+    });
+    day->add_flag("--stay", given->stay, "Leave device and daemon up");
+    day->add_flag("--all", given->all, "Show everything that happens, not what changes in effect");
+    day->callback([=] { *exit_code = play_day(*root, given->stay, given->all); });
+    for (CLI::App *command : {device, watch, day})
+        command_line_needs_root(command);
 }

@@ -1,9 +1,8 @@
-// The commands of `dvxctl device`.
+// The commands of virtual devices: device, watch, play, day.
 #pragma once
 
 #include <CLI/CLI.hpp>
 #include <string>
 
-// Adds the commands to `parent`. `root` is the device's directory and outlives the parsing; what a
-// command answers becomes `*exit_code`.
+// Adds them, as `add_commands` has it.
 void add_device_commands(CLI::App *parent, const std::string *root, int *exit_code);

@@ -99,7 +99,7 @@ void frame_add_options(CLI::App *command, frame_options *options) {
                         "Whose frames, where a file mixes several; else of whom there are most");
 }
 
-void add_frames_commands(CLI::App *app, int *exit_code) {
+void add_frames_commands(CLI::App *app, const std::string *, int *exit_code) {
     auto given = std::make_shared<arguments>();
     CLI::App *command =
         app->add_subcommand("frames", "Say what frame files hold, by format and in figures")

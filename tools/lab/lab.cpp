@@ -235,7 +235,7 @@ void add_set_option(CLI::App *command, arguments *given) {
 
 }  // namespace
 
-void add_lab_commands(CLI::App *app, int *exit_code) {
+void add_lab_commands(CLI::App *app, const std::string *, int *exit_code) {
     auto given = std::make_shared<arguments>();
     given->setup.jobs = static_cast<int>(std::max(std::thread::hardware_concurrency(), 1u));
     CLI::App *lab =

@@ -1,0 +1,108 @@
+#include "tools/command_line.h"
+
+#include <errno.h>
+#include <signal.h>
+#include <stdio.h>
+#include <string.h>
+
+#include <iostream>
+
+#include "client/dvx_client.h"
+#include "tools/exit_status.h"
+#include "tools/words.h"
+
+namespace {
+
+bool root_is_needed = false;
+
+// The command that was being read when the words went wrong.
+CLI::App *deepest_command(CLI::App *app) {
+    const std::vector<CLI::App *> parsed = app->get_subcommands();
+    return parsed.empty() ? app : deepest_command(parsed.front());
+}
+
+std::string help_of(CLI::App *command) {
+    std::string words = command->get_name();
+    for (const CLI::App *parent = command->get_parent(); parent != nullptr;
+         parent = parent->get_parent())
+        words.insert(0, parent->get_name() + " ");
+    return "see " + words + " --help";
+}
+
+// What may stand where an unknown word does: commands, or options behind a dash.
+std::vector<std::string> words_known_to(CLI::App *command, bool options) {
+    std::vector<std::string> words;
+    for (; command != nullptr; command = options ? command->get_parent() : nullptr) {
+        if (options)
+            for (const CLI::Option *option : command->get_options())
+                for (const std::string &name : option->get_lnames())
+                    words.push_back("--" + name);
+        else
+            for (const CLI::App *known : command->get_subcommands([](CLI::App *) { return true; }))
+                words.push_back(known->get_name());
+    }
+    return words;
+}
+
+void explain_wrong_words(CLI::App *app, const CLI::ParseError &error) {
+    CLI::App *command = deepest_command(app);
+    const std::vector<std::string> unknown = app->remaining(true);
+    if (unknown.empty()) {
+        fprintf(stderr, "dvxctl: %s; %s\n", error.what(), help_of(command).c_str());
+        return;
+    }
+    const std::string nearest =
+        nearest_word(unknown[0], words_known_to(command, unknown[0].starts_with("-")));
+    fprintf(stderr, "dvxctl: unknown word '%s'%s; %s\n", unknown[0].c_str(),
+            nearest.empty() ? "" : (", did you mean '" + nearest + "'?").c_str(),
+            help_of(command).c_str());
+}
+
+// The exit status of a program that has said everything; what could not be written is a failure.
+int finish(int exit_code) {
+    std::cout.flush();
+    if (fflush(stdout) == 0 && ferror(stdout) == 0 && std::cout.good())
+        return exit_code;
+    if (errno != EPIPE)
+        fprintf(stderr, "dvxctl: cannot write: %s\n", strerror(errno));
+    return exit_code != 0 ? exit_code : exit_found;
+}
+
+}  // namespace
+
+void command_line_begin(CLI::App *app, std::string *root) {
+    app->name("dvxctl");
+    app->description("Talks to dvxd in words, and runs virtual devices for it.");
+    app->require_subcommand(1);
+    app->get_formatter()->column_width(22);
+    app->fallthrough();
+    app->set_version_flag("--version", "dvxctl " DVX_VERSION);
+    app->add_option("--root", *root, "Directory of the virtual device")->envname("DVXD_ROOT");
+    app->parse_complete_callback([root] {
+        if (root_is_needed && root->empty())
+            throw CLI::RequiredError("--root or DVXD_ROOT");
+    });
+}
+
+void command_line_needs_root(CLI::App *command) {
+    command->preparse_callback([](size_t) { root_is_needed = true; });
+}
+
+int command_line_run(int argc, char **argv, const std::vector<add_commands> &groups) {
+    signal(SIGPIPE, SIG_IGN);
+    std::string root;
+    int exit_code = 0;
+    CLI::App app;
+    command_line_begin(&app, &root);
+    for (const add_commands add : groups)
+        add(&app, &root, &exit_code);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success &asked) {  // for help or the version
+        return finish(app.exit(asked));
+    } catch (const CLI::ParseError &error) {
+        explain_wrong_words(&app, error);
+        return exit_input;
+    }
+    return finish(exit_code);
+}

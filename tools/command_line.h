@@ -1,0 +1,19 @@
+// The command line of dvxctl, whatever commands it is given.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+// Adds commands to `parent`. `root` is the device's directory and outlives the parsing; what a
+// command answers becomes `*exit_code`.
+using add_commands = void (*)(CLI::App *parent, const std::string *root, int *exit_code);
+
+// What goes before every command: its help, the version, the root.
+void command_line_begin(CLI::App *app, std::string *root);
+
+// The command and what stands below it are of no use without a root.
+void command_line_needs_root(CLI::App *command);
+
+// Reads the words, runs what they say, and says what is wrong with them. dvxctl's exit status.
+int command_line_run(int argc, char **argv, const std::vector<add_commands> &groups);

@@ -1,0 +1,312 @@
+#include "tools/doctor/doctor.h"
+
+#include <fcntl.h>
+#include <linux/magic.h>
+#include <poll.h>
+#include <stdio.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/vfs.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "device/virtual_device.h"
+#include "fia/records.h"
+#include "tools/daemon_process.h"
+#include "tools/delivery.h"
+#include "tools/doctor/elf_symbols.h"
+#include "tools/doctor/phone.h"
+#include "tools/doctor/touched.h"
+#include "tools/exit_status.h"
+
+using nlohmann::ordered_json;
+
+namespace {
+
+constexpr int wanted_priority = -20;
+constexpr double highest_hz = 60;  // that the analyser's buckets tell apart
+
+// What is known while the device is looked at.
+struct device_look {
+    doctor_options options;
+    int daemon = 0;
+    elf_symbols
+        program;  // the daemon's where it runs, else this one: a library must be of its kind
+    std::vector<finding> found;
+};
+
+std::string below(const device_look &look, const std::string &path) {
+    return look.options.root == "/" ? path : look.options.root + path;
+}
+
+void add(device_look *look, const char *subject, const std::string &name, verdict found,
+         const std::string &said, const std::string &without = "") {
+    look->found.push_back({subject, name, found, said, without});
+}
+
+// ---- libraries
+
+bool is_of_kind(const elf_symbols &library, const elf_symbols &program) {
+    return library.error.empty() && library.is_64_bit == program.is_64_bit &&
+           library.processor == program.processor;
+}
+
+// The library as the daemon would open it, and where.
+elf_symbols find_library(const device_look &look, const std::vector<std::string> &paths,
+                         std::string *where) {
+    elf_symbols first;
+    for (const std::string &path : paths) {
+        elf_symbols read = elf_read(below(look, path));
+        if (is_of_kind(read, look.program)) {
+            *where = path;
+            return read;
+        }
+        if (read.error.empty())
+            read.error = "is for " + read.processor + ", the daemon for " + look.program.processor;
+        if (where->empty() || read.error != "is not there") {
+            first = read;
+            *where = path;
+        }
+    }
+    return first;
+}
+
+std::vector<std::string> library_paths(const device_look &look, const touched &thing) {
+    const std::string name = thing.name;
+    if (thing.kind == touched_extension) {
+        const std::string path = phone_property(look.options.root, name).value_or("");
+        return path.empty() ? std::vector<std::string>() : std::vector<std::string>{path};
+    }
+    if (thing.kind == touched_library)
+        return {"/vendor/lib/" + name, "/vendor/lib64/" + name};
+    return {"/vendor/lib64/" + name, "/vendor/lib/" + name, "/system/lib64/" + name,
+            "/system/lib/" + name, "/odm/lib64/" + name};
+}
+
+void look_at_library(device_look *look, const touched &thing) {
+    // Only a loader tells where the one that is linked lies; a daemon that runs has found it.
+    if (thing.kind == touched_linked && look->daemon != 0) {
+        add(look, "library", thing.name, verdict_good, "the daemon that runs has it");
+        return;
+    }
+    const std::vector<std::string> paths = library_paths(*look, thing);
+    if (paths.empty()) {
+        add(look, "library", thing.name, verdict_off, "the property is unset", thing.without);
+        return;
+    }
+    std::string where;
+    const elf_symbols library = find_library(*look, paths, &where);
+    std::string missing;
+    for (const char *symbol : thing.symbols)
+        if (!library.defined.contains(symbol))
+            missing += std::string(missing.empty() ? "" : ", ") + symbol;
+    if (!library.error.empty())
+        add(look, "library", where, verdict_off, library.error, thing.without);
+    else if (!missing.empty())
+        add(look, "library", where, verdict_off, "lacks " + missing, thing.without);
+    else
+        add(look, "library", where, verdict_good,
+            "has " + std::string(thing.symbols.front()) +
+                (thing.symbols.size() > 1
+                     ? " and " + std::to_string(thing.symbols.size() - 1) + " more"
+                     : ""));
+}
+
+// ---- nodes
+
+bool signals_within(const std::string &path, double wait_s) {
+    const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    char report[64];
+    pollfd node = {fd, POLLPRI | POLLERR, 0};
+    // An attribute that nobody has read since it was opened counts as changed.
+    const bool was_read = fd >= 0 && read(fd, report, sizeof(report)) >= 0;
+    const int count = was_read ? poll(&node, 1, static_cast<int>(wait_s * 1000)) : 0;
+    if (fd >= 0)
+        close(fd);
+    return count > 0 && (node.revents & POLLPRI) != 0;
+}
+
+void look_at_node(device_look *look, const touched &thing) {
+    const std::string path = below(*look, thing.name);
+    struct stat about;
+    struct statfs system = {};
+    if (stat(path.c_str(), &about) != 0) {
+        add(look, "node", thing.name, verdict_off, "is not there", thing.without);
+        return;
+    }
+    statfs(path.c_str(), &system);
+    if (access(path.c_str(), R_OK) != 0)
+        add(look, "node", thing.name, verdict_off, "may not be read by this user", thing.without);
+    else if (S_ISFIFO(about.st_mode))
+        add(look, "node", thing.name, verdict_good, "a virtual device's pipe");
+    else if (system.f_type != SYSFS_MAGIC && system.f_type != PROC_SUPER_MAGIC)
+        add(look, "node", thing.name, verdict_off, "is a plain file, which never signals",
+            thing.without);
+    else if (look->options.wait_s > 0 && !signals_within(path, look->options.wait_s))
+        add(look, "node", thing.name, verdict_off, "an attribute that did not signal meanwhile",
+            thing.without);
+    else
+        add(look, "node", thing.name, verdict_good,
+            look->options.wait_s > 0 ? "an attribute that signals" : "an attribute");
+}
+
+// ---- properties, sockets, services
+
+void look_at_property(device_look *look, const touched &thing) {
+    const std::optional<std::string> value = phone_property(look->options.root, thing.name);
+    if (!value)
+        add(look, "property", thing.name, verdict_unknown, "nobody here to ask");
+    else
+        add(look, "property", thing.name, verdict_good,
+            !value->empty()              ? "\"" + *value + "\""
+            : thing.kind == touched_read ? std::string("unset: ") + thing.without
+                                         : "unset: the daemon sets it");
+}
+
+void look_at_socket(device_look *look, const touched &thing) {
+    const char *subject = thing.kind == touched_served ? "socket" : "service";
+    if (access("/proc/net/unix", R_OK) != 0)
+        add(look, subject, thing.name, verdict_unknown, "the list of sockets may not be read");
+    else if (socket_is_taken(thing.name))
+        add(look, subject, thing.name, verdict_good, "somebody listens");
+    else
+        add(look, subject, thing.name, verdict_off, "nobody listens", thing.without);
+}
+
+// ---- rights and panel
+
+void look_at_rights(device_look *look) {
+    if (look->daemon == 0) {
+        add(look, "rights", "dvxd", verdict_unknown, "no daemon runs");
+        return;
+    }
+    const int priority = getpriority(PRIO_PROCESS, static_cast<id_t>(look->daemon));
+    const std::string process = "process " + std::to_string(look->daemon);
+    if (priority == wanted_priority)
+        add(look, "rights", "dvxd", verdict_good,
+            process + ", priority " + std::to_string(priority));
+    else if (device_exists(look->options.root))
+        add(look, "rights", "dvxd", verdict_good,
+            process + ", priority " + std::to_string(priority) + "; a phone's has " +
+                std::to_string(wanted_priority));
+    else
+        add(look, "rights", "dvxd", verdict_off,
+            process + ", priority " + std::to_string(priority) + ": it may not raise its own",
+            "its decisions wait behind busy apps");
+    const std::string context =
+        device_read_file("/proc/" + std::to_string(look->daemon) + "/attr/current").c_str();
+    if (phone_is_here(look->options.root) && !context.starts_with("u:r:dvxd:"))
+        add(look, "rights", "dvxd", verdict_off, "runs as " + context + ", not in its own domain",
+            "the policy's rules for it do not hold");
+}
+
+void look_at_panel(device_look *look) {
+    const double hz = look->options.panel_hz > 0 ? look->options.panel_hz
+                                                 : phone_panel_hz(look->options.root).value_or(0);
+    if (hz == 0) {
+        add(look, "panel", "rate", verdict_unknown, "not known; --panel HZ says it");
+        return;
+    }
+    char said[96];
+    snprintf(said, sizeof(said), "%g frames per second", hz);
+    if (hz > highest_hz + 1) {
+        add(look, "panel", "rate", verdict_off, said,
+            "games above 60 frames per second are taken for games of 60, and their caps lowered "
+            "accordingly");
+        return;
+    }
+    const auto bucket = fia_bucket(static_cast<uint64_t>(std::llround(1e6 / hz)));
+    snprintf(said, sizeof(said), "%g frames per second, in the bucket of %u", hz, 60 - 3 * bucket);
+    add(look, "panel", "rate", verdict_good, said);
+}
+
+// ---- saying it
+
+constexpr const char *verdict_words[] = {"good", "off", "unknown"};
+
+void print_findings(const std::vector<finding> &found) {
+    size_t off = 0;
+    for (const finding &each : found) {
+        printf("%-8s %-8s %s: %s\n", verdict_words[each.found], each.subject.c_str(),
+               each.name.c_str(), each.said.c_str());
+        if (!each.without.empty())
+            printf("%-17s without it: %s\n", "", each.without.c_str());
+        off += each.found == verdict_off ? 1 : 0;
+    }
+    if (off == 0)
+        printf("Nothing is off.\n");
+    else
+        printf("%zu of %zu off.\n", off, found.size());
+}
+
+void print_json(const doctor_options &options, const std::vector<finding> &found) {
+    ordered_json findings = ordered_json::array();
+    for (const finding &each : found)
+        findings.push_back({{"subject", each.subject},
+                            {"name", each.name},
+                            {"verdict", verdict_words[each.found]},
+                            {"said", each.said},
+                            {"without", each.without.empty() ? ordered_json(nullptr)
+                                                             : ordered_json(each.without)}});
+    const ordered_json said = {{"root", options.root}, {"findings", findings}};
+    printf("%s\n", said.dump(-1, ' ', false, ordered_json::error_handler_t::replace).c_str());
+}
+
+}  // namespace
+
+std::vector<finding> doctor_look(const doctor_options &options) {
+    device_look look;
+    look.options = options;
+    look.daemon = daemon_process(options.root);
+    look.program = elf_read(look.daemon != 0 ? "/proc/" + std::to_string(look.daemon) + "/exe"
+                                             : "/proc/self/exe");
+    if (!look.program.error.empty())  // another user's daemon
+        look.program = elf_read("/proc/self/exe");
+    for (const touched &thing : everything_touched) {
+        switch (thing.kind) {
+            case touched_library:
+            case touched_linked:
+            case touched_extension:
+                look_at_library(&look, thing);
+                break;
+            case touched_node:
+                look_at_node(&look, thing);
+                break;
+            case touched_read:
+            case touched_set:
+                look_at_property(&look, thing);
+                break;
+            case touched_served:
+            case touched_called:
+                look_at_socket(&look, thing);
+                break;
+        }
+    }
+    look_at_rights(&look);
+    look_at_panel(&look);
+    return look.found;
+}
+
+int doctor_command(doctor_options options, bool json) {
+    if (options.root.empty() && phone_is_here("/"))
+        options.root = "/";
+    struct stat about;
+    if (options.root.empty() || stat(options.root.c_str(), &about) != 0 ||
+        !S_ISDIR(about.st_mode)) {
+        fprintf(stderr, "dvxctl: %s\n",
+                options.root.empty() ? "this is no phone; say whose device with --root or DVXD_ROOT"
+                                     : (options.root + " is no directory").c_str());
+        return exit_input;
+    }
+    const std::vector<finding> found = doctor_look(options);
+    if (json)
+        print_json(options, found);
+    else
+        print_findings(found);
+    for (const finding &each : found)
+        if (each.found == verdict_off)
+            return exit_found;
+    return 0;
+}

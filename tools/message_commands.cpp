@@ -1,0 +1,79 @@
+#include "tools/message_commands.h"
+
+#include <stdio.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/events.h"
+#include "tools/delivery.h"
+#include "tools/exit_status.h"
+#include "tools/messages.h"
+#include "tools/words.h"
+
+namespace {
+
+// What the words behind a message say.
+struct arguments {
+    payload_words payload;
+    std::string client;
+    std::string text;
+    std::vector<int32_t> values;
+    int32_t code = 0;
+    bool json = false;
+};
+
+int send(const dvx_message &message, bool is_text, const std::string &root) {
+    const std::string error = deliver_message(message, is_text, root);
+    if (error.empty())
+        return 0;
+    fprintf(stderr, "dvxctl: %s\n", error.c_str());
+    return exit_found;
+}
+
+int print_events(bool json) {
+    for (uint32_t id = 0; id < event_count; ++id) {
+        if (event_name(id) == nullptr)
+            continue;
+        if (json)
+            printf("{\"id\":%u,\"name\":\"%s\"}\n", id, event_name(id));
+        else
+            printf("%2u  %s\n", id, event_name(id));
+    }
+    return 0;
+}
+
+}  // namespace
+
+void add_message_commands(CLI::App *parent, const std::string *root, int *exit_code) {
+    auto given = std::make_shared<arguments>();
+    for (const message_word &word : message_words) {
+        CLI::App *command = parent->add_subcommand(word.word, word.help)->group("Messages");
+        payload_add_options(word.payload, command, &given->payload);
+        command->callback([&word, given, root, exit_code] {
+            *exit_code =
+                send(make_word_message(word, given->payload), payload_is_text(word.payload), *root);
+        });
+    }
+    CLI::App *raw = parent->add_subcommand("raw", "Any message")->group("Messages");
+    raw->add_option("CLIENT", given->client, "Client name, at most 19 characters")
+        ->required()
+        ->check(at_most(DVX_CLIENT_NAME_SIZE - 1));
+    raw->add_option("CODE", given->code, "Message code")->required();
+    CLI::Option *values =
+        raw->add_option("INT", given->values, "Up to 64 values")->expected(0, DVX_PAYLOAD_VALUES);
+    CLI::Option *text = raw->add_option("--text", given->text, "A text, at most 255 characters")
+                            ->excludes(values)
+                            ->check(at_most(DVX_PAYLOAD_SIZE - 1));
+    raw->callback([=] {
+        const bool is_text = text->count() > 0;
+        const char *client = given->client.c_str();
+        *exit_code = send(is_text ? make_text_message(client, given->code, given->text)
+                                  : make_message(client, given->code, given->values),
+                          is_text, *root);
+    });
+    CLI::App *events = parent->add_subcommand("events", "Every event with its name");
+    events->add_flag("--json", given->json, "An object an event, in a line each");
+    events->callback([=] { *exit_code = print_events(given->json); });
+}

@@ -1,0 +1,9 @@
+// The commands that look at a daemon from outside, on a desk or on a phone: record, why, status,
+// doctor.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+// Adds them, as `add_commands` has it.
+void add_looking_commands(CLI::App *parent, const std::string *root, int *exit_code);

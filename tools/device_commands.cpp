@@ -11,6 +11,7 @@
 #include "tools/day.h"
 #include "tools/delivery.h"
 #include "tools/device_run.h"
+#include "tools/exit_status.h"
 #include "tools/frames/frames_command.h"
 #include "tools/play.h"
 #include "tools/services.h"
@@ -33,7 +34,7 @@ struct arguments {
 
 int fail(const std::string &reason) {
     fprintf(stderr, "dvxctl: %s\n", reason.c_str());
-    return 1;
+    return exit_status_of(reason);
 }
 
 int create(const std::string &root) {

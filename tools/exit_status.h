@@ -1,6 +1,29 @@
 // What dvxctl's exit status says.
 #pragma once
 
+#include <string>
+
 constexpr int exit_found = 1;      // it could not be done, or what was asked about is so
 constexpr int exit_input = 2;      // words or files of no use
 constexpr int exit_no_daemon = 3;  // no daemon runs
+
+struct exit_meaning {
+    int status;
+    const char *words;
+};
+
+// All of them, for people.
+constexpr exit_meaning exit_meanings[] = {
+    {0, "good"},
+    {exit_found,
+     "something was found: a difference, a failure, something off; or it could not be done, or the "
+     "daemon rejected it"},
+    {exit_input, "wrong words, or input that is of no use"},
+    {exit_no_daemon, "no daemon runs"},
+    {130, "interrupted while frames were played"},
+};
+
+// The status that goes with a reason in words, which begins alike wherever no daemon runs.
+inline int exit_status_of(const std::string &reason) {
+    return reason.starts_with("no daemon") ? exit_no_daemon : exit_found;
+}

@@ -2,6 +2,7 @@
 
 #include <stdio.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,6 +21,7 @@ struct arguments {
     std::string client;
     std::string text;
     std::vector<int32_t> values;
+    std::vector<std::string> events;
     int32_t code = 0;
     bool json = false;
 };
@@ -29,19 +31,26 @@ int send(const dvx_message &message, bool is_text, const std::string &root) {
     if (error.empty())
         return 0;
     fprintf(stderr, "dvxctl: %s\n", error.c_str());
-    return exit_found;
+    return exit_status_of(error);
 }
 
-int print_events(bool json) {
+int print_events(const std::vector<std::string> &wanted, bool json) {
+    size_t printed = 0;
     for (uint32_t id = 0; id < event_count; ++id) {
-        if (event_name(id) == nullptr)
+        if (event_name(id) == nullptr ||
+            (!wanted.empty() && !std::count(wanted.begin(), wanted.end(), event_name(id)) &&
+             !std::count(wanted.begin(), wanted.end(), std::to_string(id))))
             continue;
+        ++printed;
         if (json)
             printf("{\"id\":%u,\"name\":\"%s\"}\n", id, event_name(id));
         else
             printf("%2u  %s\n", id, event_name(id));
     }
-    return 0;
+    if (printed >= wanted.size())
+        return 0;
+    fprintf(stderr, "dvxctl: not all of these are events\n");
+    return exit_input;
 }
 
 }  // namespace
@@ -74,6 +83,7 @@ void add_message_commands(CLI::App *parent, const std::string *root, int *exit_c
                           is_text, *root);
     });
     CLI::App *events = parent->add_subcommand("events", "Every event with its name");
+    events->add_option("EVENT", given->events, "Only these, by name or number")->type_name("EVENT");
     events->add_flag("--json", given->json, "An object an event, in a line each");
-    events->callback([=] { *exit_code = print_events(given->json); });
+    events->callback([=] { *exit_code = print_events(given->events, given->json); });
 }

@@ -38,7 +38,7 @@ TEST_F(Tool, NamesTheWrongWord) {
         EXPECT_EQ(dvxctl(words).status, 0) << words;
     EXPECT_EQ(dvxctl("events >/dev/full").status, 1);
     for (const char *words : {"touch", "game on", "device panel on", "device stop"})
-        expect_refused(1, words, "no daemon");
+        expect_refused(3, words, "no daemon");
 }
 
 TEST_F(Tool, SaysWhatFrameFilesHold) {
@@ -132,7 +132,7 @@ TEST_F(Tool, ReachesTheDaemonThatIsMeantOrNobody) {
     setenv("DVXD_ROOT", device.root.c_str(), 1);
     ASSERT_EQ(dvxctl("device start").status, 0);
     device_calls(&device);
-    expect_refused(1, "--root " + other.root + " fps 30", "unshare --net");
+    expect_refused(3, "--root " + other.root + " fps 30", "unshare --net");
     EXPECT_TRUE(device_calls_of(&device, "request_fps").empty());
     EXPECT_EQ(dvxctl("--root " + other.root + " day").status, 1);
 

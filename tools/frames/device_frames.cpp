@@ -38,7 +38,7 @@ void note_interrupt(int) {
 
 int fail(const std::string &reason) {
     fprintf(stderr, "dvxctl: %s\n", reason.c_str());
-    return exit_found;
+    return exit_status_of(reason);
 }
 
 // The line on a terminal that is written over and over.

@@ -1,0 +1,138 @@
+#include "tools/pages/completion.h"
+
+#include <sstream>
+#include <vector>
+
+#include "core/events.h"
+#include "tools/doctor/touched.h"
+
+namespace {
+
+// The values of a set, as its option's type has them: "TEXT:{on,off}".
+std::vector<std::string> values_of(const CLI::Option *option) {
+    const std::string type = option->get_type_name();
+    const size_t begin = type.find('{'), end = type.find('}');
+    std::vector<std::string> values;
+    if (begin == std::string::npos || end == std::string::npos)
+        return values;
+    std::istringstream inside(type.substr(begin + 1, end - begin - 1));
+    for (std::string value; std::getline(inside, value, ',');)
+        values.push_back(value);
+    return values;
+}
+
+std::vector<std::string> names_of(const CLI::Option *option) {
+    std::vector<std::string> names;
+    for (const std::string &name : option->get_lnames())
+        names.push_back("--" + name);
+    return names;
+}
+
+std::string quoted(const std::string &path) {
+    return "'" + path + "'";
+}
+
+std::string case_of(const std::string &path, const std::vector<std::string> &words) {
+    std::string line = "        " + quoted(path) + ") printf '%s\\n'";
+    for (const std::string &word : words)
+        line += " " + word;
+    return words.empty() ? "" : line + " ;;\n";
+}
+
+std::string path_of(const CLI::App *command) {
+    return command->get_parent() == nullptr
+               ? ""
+               : path_of(command->get_parent()) + " " + command->get_name();
+}
+
+// What may follow a command: its commands, options, and the values of what it takes.
+std::vector<std::string> words_behind(const CLI::App *command) {
+    std::vector<std::string> words;
+    for (const CLI::App *each : command->get_subcommands([](const CLI::App *) { return true; }))
+        words.push_back(each->get_name());
+    for (const CLI::Option *option : command->get_options())
+        for (const std::string &word :
+             option->get_positional() ? values_of(option) : names_of(option))
+            words.push_back(word);
+    if (path_of(command) == " events")
+        for (uint32_t id = 0; id < event_count; ++id)
+            if (event_name(id) != nullptr)
+                words.push_back(event_name(id));
+    if (path_of(command) == " device prop")
+        for (const touched &thing : everything_touched)
+            if (thing.kind == touched_read || thing.kind == touched_set ||
+                thing.kind == touched_extension)
+                words.push_back(thing.name);
+    return words;
+}
+
+void add_cases(const CLI::App *command, std::string *paths, std::string *words,
+               std::string *values) {
+    *words += case_of(path_of(command), words_behind(command));
+    for (const CLI::Option *option : command->get_options())
+        for (const std::string &name : names_of(option))
+            if (option->get_type_size() > 0) {
+                const std::vector<std::string> of = values_of(option);
+                *values += "        " + quoted(path_of(command) + " " + name) + ")";
+                if (!of.empty())
+                    *values += " printf '%s\\n'";
+                for (const std::string &value : of)
+                    *values += " " + value;
+                *values += " return ;;\n";
+                if (!of.empty())
+                    values->replace(values->rfind(" return"), 1, "; ");
+            }
+    for (const CLI::App *each : command->get_subcommands([](const CLI::App *) { return true; })) {
+        *paths += (paths->empty() ? "" : " | ") + quoted(path_of(each));
+        add_cases(each, paths, words, values);
+    }
+}
+
+}  // namespace
+
+std::string completion_function(const CLI::App *app) {
+    std::string paths, words, values;
+    add_cases(app, &paths, &words, &values);
+    return "_dvxctl_words() {\n"
+           "    _dvxctl_path= _dvxctl_last=\n"
+           "    for _dvxctl_word in \"$@\"; do\n"
+           "        _dvxctl_last=$_dvxctl_word\n"
+           "        case \"$_dvxctl_path $_dvxctl_word\" in\n"
+           "        " +
+           paths +
+           ") _dvxctl_path=\"$_dvxctl_path $_dvxctl_word\" ;;\n"
+           "        esac\n"
+           "    done\n"
+           "    case \"$_dvxctl_last\" in\n"
+           "    --root)\n"
+           "        for _dvxctl_word in ./*/hardware.conf /tmp/*/hardware.conf; do\n"
+           "            [ -e \"$_dvxctl_word\" ] && printf '%s\\n' \"${_dvxctl_word%/*}\"\n"
+           "        done\n"
+           "        return ;;\n"
+           "    -*)\n"
+           "        case \"$_dvxctl_path $_dvxctl_last\" in\n" +
+           values +
+           "        esac ;;\n"
+           "    esac\n"
+           "    case \"$_dvxctl_path\" in\n" +
+           words +
+           "    esac\n"
+           "}\n";
+}
+
+std::string completion_for_bash(const CLI::App *app) {
+    return "# Completion of dvxctl for bash.\n" + completion_function(app) +
+           "_dvxctl() {\n"
+           "    local words\n"
+           "    words=$(_dvxctl_words \"${COMP_WORDS[@]:1:COMP_CWORD-1}\")\n"
+           "    mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"${COMP_WORDS[COMP_CWORD]}\")\n"
+           "}\n"
+           "complete -o default -F _dvxctl dvxctl\n";
+}
+
+std::string completion_for_zsh(const CLI::App *app) {
+    return "#compdef dvxctl\n# Completion of dvxctl for zsh.\n" + completion_function(app) +
+           "local -a found\n"
+           "found=(${(f)\"$(_dvxctl_words ${words[2,CURRENT-1]})\"})\n"
+           "if (( ${#found} )); then compadd -- $found; else _files; fi\n";
+}

@@ -6,8 +6,11 @@ const runs = data.runs;
 const colours = ['#0072b2', '#e69f00'];             // of runs; told apart by the colour-blind
 const capColours = ['#d55e00', '#009e73', '#cc79a7'];
 const capDashes = [null, [6, 3], [2, 2]];
-const bandColours = {measuring: '#56b4e9', suspended: '#999999', 'screen off': '#000000'};
+const bandColours = {measuring: '#56b4e9', suspended: '#999999', 'screen off': '#000000', janks: '#d55e00'};
 const bandStrength = 0.18;
+const jankText = /of the last (\d+) intervals left the profile/;
+const modeLane = 13;                                // pixels above the chart's lines
+const modeColours = [['#dddddd', '#bbbbbb'], ['#3a3d44', '#50545d']];
 const lateColour = '#d55e00';                       // of frames beyond twice the median
 const rowsAtOnce = 400;
 const periodMs = 1000 / 60;
@@ -109,37 +112,62 @@ for (const run of runs) {
 const charts = [];
 let whole = [0, 1];
 
-// The decision in force at a moment, by halving.
-function decisionBefore(run, time) {
+// The last of so many that is not after a moment, by halving; -1 where all are.
+function lastAt(time, count, timeOf) {
   let low = 0;
-  let high = run.decisions.length;
+  let high = count;
   while (low < high) {
     const middle = (low + high) >> 1;
-    if (run.decisions[middle][0] <= time) low = middle + 1;
+    if (timeOf(middle) <= time) low = middle + 1;
     else high = middle;
   }
-  return run.decisions[low - 1];
+  return low - 1;
+}
+
+// The intervals of which too many left the profile, and which app mode held when: as bands.
+function findBands(run) {
+  run.bands.push(...run.decisions.filter(([, kind, text]) => kind === 'caps' && jankText.test(text))
+    .map(([time, , text]) => {
+      const last = lastAt(time, run.time.length, i => run.time[i]);
+      const first = Math.max(last - Number(jankText.exec(text)[1]), 0);
+      return ['janks', last < 0 ? time : run.time[first], time];
+    }));
+  const modes = run.decisions.filter(([, kind]) => kind === 'app');
+  run.modes = modes.map(([time, , text], i) =>
+    [text.replace('app mode: ', ''), time, i + 1 < modes.length ? modes[i + 1][0] : run.length_s]);
+}
+
+function drawModes(run, context, area, graph) {
+  context.font = modeLane - 3 + 'px sans-serif';
+  run.modes.forEach(([name, from, to], i) => {
+    const left = Math.max(graph.toDomXCoord(from), area.x);
+    const right = Math.min(graph.toDomXCoord(to), area.x + area.w);
+    if (right <= left) return;
+    context.fillStyle = modeColours[dark ? 1 : 0][i % 2];
+    context.fillRect(left, area.y, right - left, modeLane);
+    context.fillStyle = dark ? '#e8e8e8' : '#222222';
+    if (context.measureText(name).width + 6 < right - left)
+      context.fillText(name, left + 3, area.y + modeLane - 3);
+  });
 }
 
 function drawBands(run, context, area, graph) {
+  context.globalAlpha = bandStrength;
   for (const [kind, from, to] of run.bands) {
     const left = Math.max(graph.toDomXCoord(from), area.x);
     const right = Math.min(graph.toDomXCoord(to), area.x + area.w);
     if (right <= left) continue;
-    context.globalAlpha = bandStrength;
     context.fillStyle = dark && kind === 'screen off' ? '#ffffff' : bandColours[kind];
     context.fillRect(left, area.y, Math.max(right - left, 1), area.h);
   }
-  context.globalAlpha = 0.7;
-  context.fillStyle = capColours[0];
+  context.globalAlpha = 1;
   for (const [time, kind] of run.decisions) {
-    if (kind !== 'caps' && kind !== 'measuring' && kind !== 'app') continue;
+    if (kind !== 'caps') continue;
     const x = graph.toDomXCoord(time);
     if (x < area.x || x > area.x + area.w) continue;
-    context.fillStyle = kind === 'caps' ? capColours[0] : kind === 'app' ? '#999999' : '#56b4e9';
-    context.fillRect(x, area.y, 1, 5);
+    context.fillStyle = capColours[0];
+    context.fillRect(x, area.y + modeLane, 1, 5);
   }
-  context.globalAlpha = 1;
 }
 
 // All charts show the same time.
@@ -152,7 +180,7 @@ function follow(graph, initial) {
 }
 
 function tell(run, time, interval) {
-  const decision = decisionBefore(run, time);
+  const decision = run.decisions[lastAt(time, run.decisions.length, i => run.decisions[i][0])];
   place('reading').textContent = seconds(time) +
     (interval ? ': ' + fixed(interval, 2) + ' ms, ' + fixed(1000 / interval, 1) + ' fps' : '') +
     (decision ? '. ' + seconds(decision[0]) + ' ' + decision[2] +
@@ -167,7 +195,10 @@ function chart(run, name, className, rows, options) {
     dateWindow: whole, drawCallback: follow, legend: 'never', animatedZooms: false,
     gridLineColor: dark ? '#3a3d44' : '#e0e0e0', axisLineColor: dark ? '#888888' : '#666666',
     highlightCircleSize: 3, strokeWidth: 1,
-    underlayCallback: (context, area, self) => drawBands(run, context, area, self),
+    underlayCallback: (context, area, self) => {
+      drawBands(run, context, area, self);
+      if (className === 'intervals') drawModes(run, context, area, self);
+    },
     axes: {y: {axisLabelWidth: 52}, x: {axisLabelFormatter: value => value.toFixed(1) + ' s'}},
   }, options));
   charts.push(graph);
@@ -217,7 +248,7 @@ function showLegend() {
   };
   runs[0].levels.forEach((resource, i) => add(capColours[i % 3], resource.name));
   for (const kind of Object.keys(bandColours)) add(bandColours[kind], kind);
-  add(lateColour, 'dots: frames beyond twice the median; ticks above: decisions');
+  add(lateColour, 'dots: frames beyond twice the median; ticks: cap changes; above them the app mode');
 }
 
 function showRange(from, to) {
@@ -367,6 +398,7 @@ function showDifferences() {
   });
 }
 
+runs.forEach(findBands);
 showFigures();
 showCharts();
 showDifferences();

@@ -127,6 +127,37 @@ TEST_F(Tool, DrivesADeviceFromItsLayoutToItsEnd) {
     EXPECT_TRUE(std::filesystem::exists(other + "/letter"));
 }
 
+TEST_F(Tool, DoctorSaysWhatIsMissingAndWhatThatSwitchesOff) {
+    setenv("DVXD_ROOT", device.root.c_str(), 1);
+    ASSERT_EQ(dvxctl("device start").status, 0);
+    const outcome healthy = dvxctl("doctor --panel 45");
+    EXPECT_EQ(healthy.status, 0) << healthy.output;
+    EXPECT_NE(healthy.output.find("45 frames per second, in the bucket of 45"), std::string::npos)
+        << healthy.output;
+    EXPECT_EQ(dvxctl("doctor --panel 90").status, 1);
+    ASSERT_EQ(dvxctl("device stop").status, 0);
+
+    const std::string vendor = device.root + "/vendor/lib64/";
+    device_set_property(&device, "ro.vendor.extension_library", "");
+    ASSERT_TRUE(device_hide_symbol(vendor + "libhwresource.so", "set_tmk_freq"));
+    std::filesystem::create_directories(device.root + "/vendor/lib");
+    std::filesystem::rename(vendor + "libdvxcc.so", device.root + "/vendor/lib/libdvxcc.so");
+    std::filesystem::resize_file(device.root + "/vendor/lib/libdvxcc.so", 100);
+    std::filesystem::remove(device.root + device_panel_node);
+    std::filesystem::remove(device.root + device_interval_node);
+    std::ofstream(device.root + device_interval_node) << "16666";
+    const outcome ill = dvxctl("doctor");
+    EXPECT_EQ(ill.status, 1);
+    for (const char *said :
+         {"libhwresource.so: lacks set_tmk_freq\n                  without it: no frequency cap",
+          "ro.vendor.extension_library: the property is unset", "libdvxcc.so: is cut off",
+          "sben_event: is not there", "fbcn_intv: is a plain file", "dvx-client: nobody listens",
+          "gbm-client: nobody listens"})
+        EXPECT_NE(ill.output.find(said), std::string::npos) << said << "\n" << ill.output;
+    EXPECT_NE(dvxctl("doctor --json").output.find("\"verdict\":\"off\""), std::string::npos);
+    expect_refused(2, "doctor --root " + device.root + "/nowhere", "is no directory");
+}
+
 TEST_F(Tool, ReachesTheDaemonThatIsMeantOrNobody) {
     test_device other;
     setenv("DVXD_ROOT", device.root.c_str(), 1);

@@ -9,7 +9,6 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
-#include <cmath>
 #include <nlohmann/json.hpp>
 
 #include "device/virtual_device.h"
@@ -217,7 +216,7 @@ void look_at_panel(device_look *look) {
             "accordingly");
         return;
     }
-    const auto bucket = fia_bucket(static_cast<uint64_t>(std::llround(1e6 / hz)));
+    const uint32_t bucket = fia_bucket(static_cast<uint64_t>(interval_second / hz));
     snprintf(said, sizeof(said), "%g frames per second, in the bucket of %u", hz, 60 - 3 * bucket);
     add(look, "panel", "rate", verdict_good, said);
 }

@@ -47,11 +47,14 @@ void read_elf(Elf *elf, elf_symbols *read) {
     }
     read->processor = name_processor(header.e_machine);
     read->is_64_bit = header.e_ident[EI_CLASS] == ELFCLASS64;
+    read->error = "is cut off, or no library";
     for (Elf_Scn *section = elf_nextscn(elf, nullptr); section != nullptr;
          section = elf_nextscn(elf, section)) {
         GElf_Shdr about;
-        if (gelf_getshdr(section, &about) != nullptr && about.sh_type == SHT_DYNSYM)
+        if (gelf_getshdr(section, &about) != nullptr && about.sh_type == SHT_DYNSYM) {
             read_symbols(elf, section, about, read);
+            read->error.clear();
+        }
     }
 }
 

@@ -59,7 +59,7 @@ bool within_cpu_budget(const clock_node *changed, uint32_t level) {
     return false;
 }
 
-int32_t apply_level(clock_node *node, uint32_t level) {
+int apply_level(clock_node *node, uint32_t level) {
     const freq_config *config = node->config;
     if (level >= config->freq_count || config->set_freq == nullptr ||
         !within_cpu_budget(node, level) || config->set_freq(config->name, config->freqs[level]) < 0)
@@ -112,7 +112,7 @@ clock_node *find_eligible(clock_node *node, clock_node *(*walk)(const clock_node
 }
 
 // One step of one resource. 0, -EINVAL, or 1 when no resource can move any further.
-int32_t step_one(clock_node *start, const direction &way) {
+int step_one(clock_node *start, const direction &way) {
     start = find_eligible(start, way.walk);
     if (start == nullptr)
         return -EINVAL;
@@ -216,7 +216,7 @@ int32_t fia_clock_is_maxfreq(void) {
     return 1;
 }
 
-int32_t fia_clock_get_freq(int32_t count, uint32_t *levels) {
+int fia_clock_get_freq(int32_t count, uint32_t *levels) {
     if (count < 1 || levels == nullptr)
         return -EINVAL;
     const clock_node *node = clocks.clock_head;
@@ -228,7 +228,7 @@ int32_t fia_clock_get_freq(int32_t count, uint32_t *levels) {
     return 0;
 }
 
-int32_t fia_clock_set_freq(int32_t count, const uint32_t *levels) {
+int fia_clock_set_freq(int32_t count, const uint32_t *levels) {
     if (count < 1 || levels == nullptr)
         return -EINVAL;
     clock_node *node = clocks.clock_head;
@@ -241,7 +241,7 @@ int32_t fia_clock_set_freq(int32_t count, const uint32_t *levels) {
     return 0;
 }
 
-int32_t fia_clock_clear_freq(void) {
+int fia_clock_clear_freq(void) {
     for (clock_node *node = clocks.clock_head; node != nullptr; node = node->next) {
         if (apply_level(node, 0) != 0)
             return -EINVAL;
@@ -251,14 +251,14 @@ int32_t fia_clock_clear_freq(void) {
     return 0;
 }
 
-int32_t fia_clock_scale_freq(int32_t step) {
+int fia_clock_scale_freq(int32_t step) {
     if (clocks.clock_head == nullptr)
         return -EINVAL;
     if (clocks.clock_cursor == nullptr)
         clocks.clock_cursor = clocks.clock_tail;
     for (; step != 0; step += step > 0 ? -1 : 1) {
         clock_node *cursor = clocks.clock_cursor;
-        const int32_t result =
+        const int result =
             step > 0 ? step_one(cursor, upwards) : step_one(walk_forward(cursor), downwards);
         if (result != 0)
             return result < 0 ? result : 0;

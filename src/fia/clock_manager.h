@@ -23,14 +23,14 @@ int32_t fia_clock_is_maxfreq(void);
 
 // Writes the levels of the first `count` resources. 0, or -EINVAL when there are not so many; those
 // that there are have been written then.
-int32_t fia_clock_get_freq(int32_t count, uint32_t *levels);
+int fia_clock_get_freq(int32_t count, uint32_t *levels);
 
 // Applies `count` levels. 0, or -EINVAL at the first that is refused; those before it stay applied.
-int32_t fia_clock_set_freq(int32_t count, const uint32_t *levels);
+int fia_clock_set_freq(int32_t count, const uint32_t *levels);
 
 // Moves `step` levels: up (more frequency) when positive, down when negative; 0 counts a hit at the
 // present level. 0, also when nothing can move any further; -EINVAL when a step is refused.
-int32_t fia_clock_scale_freq(int32_t step);
+int fia_clock_scale_freq(int32_t step);
 
 // Releases every cap. 0 or -EINVAL.
-int32_t fia_clock_clear_freq(void);
+int fia_clock_clear_freq(void);

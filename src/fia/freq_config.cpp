@@ -17,7 +17,7 @@ int32_t get_freq_config_num(void) {
     return static_cast<int32_t>(tmk_freq_rows);
 }
 
-int32_t get_freq_config(freq_config *config) {
+int get_freq_config(freq_config *config) {
     if (config == nullptr) {
         log_error("freq info is null");
         return -EFAULT;

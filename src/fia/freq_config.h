@@ -38,7 +38,7 @@ int32_t get_freq_config_num(void);
 
 // Fills `config`, whose `index` is set, from its row. 0; -EFAULT, -EINVAL or -ENOMEM with a log
 // line.
-int32_t get_freq_config(freq_config *config);
+int get_freq_config(freq_config *config);
 
 // How far the analyser is to move, in levels, and the threshold it is to hold. This configuration
 // looks at nothing but the threshold.

@@ -18,7 +18,7 @@ fs::path network_of(const std::string &process) {
 bool lives_on(int process, const std::string &root) {
     const std::string its = process_environment(process, "DVXD_ROOT");
     std::error_code error;
-    return !its.empty() && fs::equivalent(its, root, error);
+    return its.empty() ? root == "/" : fs::equivalent(its, root, error);
 }
 
 }  // namespace

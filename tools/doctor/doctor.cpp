@@ -31,8 +31,7 @@ constexpr double highest_hz = 60;  // that the analyser's buckets tell apart
 struct device_look {
     doctor_options options;
     int daemon = 0;
-    elf_symbols
-        program;  // the daemon's where it runs, else this one: a library must be of its kind
+    elf_symbols program;  // the daemon's, else this one: a library must be of its kind
     std::vector<finding> found;
 };
 

@@ -71,7 +71,7 @@ void add_cases(const CLI::App *command, std::string *paths, std::string *words,
     *words += case_of(path_of(command), words_behind(command));
     for (const CLI::Option *option : command->get_options())
         for (const std::string &name : names_of(option))
-            if (option->get_type_size() > 0) {
+            if (!option->get_type_name().empty()) {
                 const std::vector<std::string> of = values_of(option);
                 *values += "        " + quoted(path_of(command) + " " + name) + ")";
                 if (!of.empty())
@@ -120,19 +120,24 @@ std::string completion_function(const CLI::App *app) {
            "}\n";
 }
 
+// Options are offered where a dash begins the word, so that files are where none does.
 std::string completion_for_bash(const CLI::App *app) {
     return "# Completion of dvxctl for bash.\n" + completion_function(app) +
            "_dvxctl() {\n"
-           "    local words\n"
+           "    local words current=${COMP_WORDS[COMP_CWORD]}\n"
            "    words=$(_dvxctl_words \"${COMP_WORDS[@]:1:COMP_CWORD-1}\")\n"
-           "    mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"${COMP_WORDS[COMP_CWORD]}\")\n"
+           "    [[ $current == -* ]] || words=$(grep -v '^-' <<<\"$words\")\n"
+           "    mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"$current\")\n"
            "}\n"
            "complete -o default -F _dvxctl dvxctl\n";
 }
 
 std::string completion_for_zsh(const CLI::App *app) {
-    return "#compdef dvxctl\n# Completion of dvxctl for zsh.\n" + completion_function(app) +
+    return "#compdef dvxctl\n# Completion of dvxctl for zsh.\n"
+           "setopt local_options no_nomatch\n" +
+           completion_function(app) +
            "local -a found\n"
            "found=(${(f)\"$(_dvxctl_words ${words[2,CURRENT-1]})\"})\n"
+           "[[ $words[CURRENT] == -* ]] || found=(${found:#-*})\n"
            "if (( ${#found} )); then compadd -- $found; else _files; fi\n";
 }

@@ -43,13 +43,21 @@ void add_looking_commands(CLI::App *parent, const std::string *root, int *exit_c
     why->add_option("FILE", given->file,
                     "A recording or a log, - for standard input; else the root's daemon, live");
     why->add_flag("--json", given->json, "An object a decision");
-    why->callback([=] { *exit_code = why_command(given->file, *root, given->json); });
+    why->callback([=] {
+        if (given->file.empty() && root->empty())
+            throw CLI::RequiredError("FILE, --root or DVXD_ROOT");
+        *exit_code = why_command(given->file, *root, given->json);
+    });
     CLI::App *status =
         parent->add_subcommand("status", "What a daemon does now, as far as it tells")
             ->group("Recordings");
     status->add_option("--log", given->file, "From a log or a recording; - for standard input");
     status->add_flag("--json", given->json, "One object");
-    status->callback([=] { *exit_code = status_command(*root, given->file, given->json); });
+    status->callback([=] {
+        if (given->file.empty() && root->empty())
+            throw CLI::RequiredError("--log, --root or DVXD_ROOT");
+        *exit_code = status_command(*root, given->file, given->json);
+    });
     CLI::App *doctor =
         parent
             ->add_subcommand("doctor",

@@ -6,6 +6,8 @@
 #include <string.h>
 #include <unistd.h>
 
+#include <filesystem>
+
 #include "device/virtual_device.h"
 #include "tools/daemon_process.h"
 
@@ -65,5 +67,7 @@ std::string follow_file(const std::string &path, const follow_limit &limit,
 
 std::string follow_notes_of(const std::string &root, int *daemon) {
     *daemon = daemon_process(root);
-    return *daemon != 0 ? process_environment(*daemon, "DVXD_RECORD") : "";
+    const std::string notes = *daemon != 0 ? process_environment(*daemon, "DVXD_RECORD") : "";
+    std::error_code error;
+    return std::filesystem::is_regular_file(notes, error) ? notes : "";
 }

@@ -1,5 +1,7 @@
 #include "tools/daemon_process.h"
 
+#include <string.h>
+
 #include <algorithm>
 #include <filesystem>
 
@@ -51,4 +53,11 @@ int daemon_process(const std::string &root) {
             return process;
     }
     return 0;
+}
+
+bool process_is_stopped(int process) {
+    const std::string status = device_read_file("/proc/" + std::to_string(process) + "/stat");
+    const size_t state = status.rfind(") ");
+    return state != std::string::npos && state + 2 < status.size() &&
+           strchr("Tt", status[state + 2]) != nullptr;
 }

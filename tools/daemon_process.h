@@ -12,3 +12,6 @@ std::string process_environment(int process, const std::string &name);
 
 // Whether a process is in the network that this program is in, as far as is shown to us.
 bool process_shares_network(int process);
+
+// Whether a process stands still, as after SIGSTOP or under a debugger.
+bool process_is_stopped(int process);

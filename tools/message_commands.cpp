@@ -35,22 +35,25 @@ int send(const dvx_message &message, bool is_text, const std::string &root) {
 }
 
 int print_events(const std::vector<std::string> &wanted, bool json) {
-    size_t printed = 0;
+    std::vector<std::string> unknown = wanted;
     for (uint32_t id = 0; id < event_count; ++id) {
-        if (event_name(id) == nullptr ||
-            (!wanted.empty() && !std::count(wanted.begin(), wanted.end(), event_name(id)) &&
-             !std::count(wanted.begin(), wanted.end(), std::to_string(id))))
+        const char *name = event_name(id);
+        if (name == nullptr)
             continue;
-        ++printed;
+        const auto means = [&](const std::string &word) {
+            return word == name || word == std::to_string(id);
+        };
+        std::erase_if(unknown, means);
+        if (!wanted.empty() && std::none_of(wanted.begin(), wanted.end(), means))
+            continue;
         if (json)
-            printf("{\"id\":%u,\"name\":\"%s\"}\n", id, event_name(id));
+            printf("{\"id\":%u,\"name\":\"%s\"}\n", id, name);
         else
-            printf("%2u  %s\n", id, event_name(id));
+            printf("%2u  %s\n", id, name);
     }
-    if (printed >= wanted.size())
-        return 0;
-    fprintf(stderr, "dvxctl: not all of these are events\n");
-    return exit_input;
+    for (const std::string &word : unknown)
+        fprintf(stderr, "dvxctl: no event is named '%s' or has that number\n", word.c_str());
+    return unknown.empty() ? 0 : exit_input;
 }
 
 }  // namespace

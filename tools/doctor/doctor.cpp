@@ -25,7 +25,8 @@ using nlohmann::ordered_json;
 namespace {
 
 constexpr int wanted_priority = -20;
-constexpr double highest_hz = 60;  // that the analyser's buckets tell apart
+constexpr char not_there[] = "is not there";  // as elf_read says it
+constexpr double highest_hz = 60;             // that the analyser's buckets tell apart
 
 // What is known while the device is looked at.
 struct device_look {
@@ -63,7 +64,7 @@ elf_symbols find_library(const device_look &look, const std::vector<std::string>
         }
         if (read.error.empty())
             read.error = "is for " + read.processor + ", the daemon for " + look.program.processor;
-        if (where->empty() || read.error != "is not there") {
+        if (where->empty() || read.error != not_there) {
             first = read;
             *where = path;
         }
@@ -89,6 +90,10 @@ void look_at_library(device_look *look, const touched &thing) {
         add(look, "library", thing.name, verdict_good, "the daemon that runs has it");
         return;
     }
+    if (thing.kind == touched_linked && device_exists(look->options.root)) {
+        add(look, "library", thing.name, verdict_good, "a stand-in comes with the daemon");
+        return;
+    }
     const std::vector<std::string> paths = library_paths(*look, thing);
     if (paths.empty()) {
         add(look, "library", thing.name, verdict_off, "the property is unset", thing.without);
@@ -100,6 +105,8 @@ void look_at_library(device_look *look, const touched &thing) {
     for (const char *symbol : thing.symbols)
         if (!library.defined.contains(symbol))
             missing += std::string(missing.empty() ? "" : ", ") + symbol;
+    if (library.error == not_there && paths.size() > 1)
+        where = std::string(thing.name) + ", below /vendor/lib or /vendor/lib64";
     if (!library.error.empty())
         add(look, "library", where, verdict_off, library.error, thing.without);
     else if (!missing.empty())
@@ -139,6 +146,8 @@ void look_at_node(device_look *look, const touched &thing) {
         add(look, "node", thing.name, verdict_off, "may not be read by this user", thing.without);
     else if (S_ISFIFO(about.st_mode))
         add(look, "node", thing.name, verdict_good, "a virtual device's pipe");
+    else if (!S_ISREG(about.st_mode))
+        add(look, "node", thing.name, verdict_off, "is no file", thing.without);
     else if (system.f_type != SYSFS_MAGIC && system.f_type != PROC_SUPER_MAGIC)
         add(look, "node", thing.name, verdict_off, "is a plain file, which never signals",
             thing.without);
@@ -178,6 +187,12 @@ void look_at_socket(device_look *look, const touched &thing) {
 void look_at_rights(device_look *look) {
     if (look->daemon == 0) {
         add(look, "rights", "dvxd", verdict_unknown, "no daemon runs");
+        return;
+    }
+    if (process_is_stopped(look->daemon)) {
+        add(look, "rights", "dvxd", verdict_off,
+            "process " + std::to_string(look->daemon) + " is stopped, as by a debugger",
+            "no message is answered");
         return;
     }
     const int priority = getpriority(PRIO_PROCESS, static_cast<id_t>(look->daemon));

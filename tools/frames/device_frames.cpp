@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "device/virtual_device.h"
+#include "tools/daemon_process.h"
 #include "tools/delivery.h"
 #include "tools/exit_status.h"
 #include "tools/frames/frame_outcome.h"
@@ -57,14 +58,6 @@ void show_progress(const progress &now, const frame_run &run, size_t all) {
             left_s % 60);
 }
 
-// Whether a daemon stands still, as after SIGSTOP or under a debugger.
-bool is_stopped(int pid) {
-    const std::string status = device_read_file("/proc/" + std::to_string(pid) + "/stat");
-    const size_t state = status.rfind(") ");
-    return state != std::string::npos && state + 2 < status.size() &&
-           strchr("Tt", status[state + 2]) != nullptr;
-}
-
 int explain(const std::string &root, const frame_run &run, size_t all) {
     if (!device_exists(root))
         return fail(root + " is not a virtual device; lay one out with dvxctl --root " +
@@ -79,7 +72,7 @@ int explain(const std::string &root, const frame_run &run, size_t all) {
         return fail(root + ": " + strerror(-run.error) + far);
     const int pid = device_daemon_process(root);
     const std::string name = "dvxd " + std::to_string(pid);
-    if (pid != 0 && is_stopped(pid))
+    if (pid != 0 && process_is_stopped(pid))
         return fail(name + " is stopped and takes no intervals; kill -CONT " + std::to_string(pid) +
                     " lets it go on");
     return fail(name + " has taken no interval for " + std::to_string(frame_patience_ms / 1000) +

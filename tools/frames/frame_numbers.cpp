@@ -1,5 +1,7 @@
 #include "tools/frames/frame_formats.h"
 
+#include <algorithm>
+
 namespace {
 
 bool is_comment(std::string_view line) {
@@ -15,6 +17,13 @@ std::string_view without_comment(std::string_view line) {
 bool parse_line(std::string_view line, long double *value) {
     const std::string_view text = without_comment(line);
     return text.find(',') == text.npos && frame_parse_number(text, value);
+}
+
+// A heading over numbers that are no times.
+bool is_rate_heading(std::string_view text) {
+    std::string plain(text);
+    std::transform(plain.begin(), plain.end(), plain.begin(), tolower);
+    return plain.ends_with("fps") || plain.ends_with("framerate");
 }
 
 }  // namespace
@@ -44,6 +53,10 @@ void frame_read_numbers(frame_source *source, const frame_options &options, fram
         long double value;
         if (is_comment(text))
             continue;
+        if (!parse_line(text, &value) && is_rate_heading(text)) {
+            all->error = "column " + std::string(text) + " holds frame rates, not intervals";
+            return;
+        }
         if (!parse_line(text, &value))
             frame_tally_add(&stream->left_out, frame_omitted_no_number, source->line, text);
         else if (value <= 0 && !options.difference)

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <random>
@@ -100,6 +101,7 @@ ordered_json try_set(lab_setup setup, const ordered_json &set) {
         said["games"][result.game] = {{"lost", loss}, {"saved", lab_energy_saved(result)}};
     }
     const double count = static_cast<double>(setup.games.size());
+    said["minutes"] = setup.minutes;
     said["energy_saved"] = saved / count;
     said["fps_lost"] = lost / count;
     said["worst_lost"] = worst;
@@ -108,8 +110,30 @@ ordered_json try_set(lab_setup setup, const ordered_json &set) {
     return said;
 }
 
+// Why a line that was tried is of no use here; empty where it is of this very search.
+std::string check_tried(const ordered_json &each, const lab_setup &setup,
+                        const std::vector<varied_figure> &figures) {
+    const ordered_json &set = each["set"];
+    bool same = set.size() == figures.size();
+    for (const varied_figure &figure : figures)
+        same &= set.contains(figure.name);
+    if (!same)
+        return "its sets vary other figures";
+    if (each.contains("error"))
+        return {};
+    same = each.contains("games") && each["games"].size() == setup.games.size();
+    for (const game_work &game : setup.games)
+        same &= each.contains("games") && each["games"].contains(game.name);
+    if (!same || each.value("minutes", setup.minutes) != setup.minutes)
+        return "its sets were tried on other games, or for another time";
+    return {};
+}
+
 // Reads lines of tried sets. Empty, or what is wrong.
 std::string read_tried(const std::string &path, std::vector<ordered_json> *tried) {
+    std::error_code error;
+    if (std::filesystem::exists(path, error) && !std::filesystem::is_regular_file(path, error))
+        return path + " is no file";
     std::ifstream file(path);
     std::string line;
     for (int number = 1; std::getline(file, line); ++number) {
@@ -233,6 +257,11 @@ int search_command(const lab_setup &setup, const search_options &options) {
         const std::string wrong = read_tried(options.out, &tried);
         if (!wrong.empty())
             return fail(wrong);
+        for (const ordered_json &each : tried) {
+            const std::string other = check_tried(each, setup, figures);
+            if (!other.empty())
+                return fail(options.out + " is of another search: " + other);
+        }
     }
     std::ofstream out;
     if (!options.out.empty()) {

@@ -1,5 +1,6 @@
 // A recording for other programs: trace events, and tidy tables.
 #include <stdio.h>
+#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
@@ -132,6 +133,11 @@ std::string make_tables(const report_run &run) {
 }  // namespace
 
 int export_command(const std::string &path, const std::string &to, const std::string &out) {
+    std::error_code error;
+    if (std::filesystem::equivalent(path, out, error)) {
+        fprintf(stderr, "dvxctl: %s is the recording itself\n", out.c_str());
+        return exit_input;
+    }
     report_run run;
     const moment_source source = moments_of_file(
         path, [&](const moment_source &begun) { run = report_begin(begun.figures); },

@@ -154,6 +154,10 @@ std::string page_json(const ordered_json &data) {
 int report_command(const report_options &options) {
     if (options.files.size() > 2 || (options.files.size() == 2 && !options.settings.empty()))
         return fail("a report shows one recording or two, or one with --set");
+    std::error_code error;
+    for (const std::string &file : options.files)
+        if (std::filesystem::equivalent(file, options.out, error))
+            return fail(options.out + " is the recording itself");
     std::vector<report_run> runs(options.files.size());
     for (size_t i = 0; i < runs.size(); ++i) {
         const std::string wrong = read_run(options.files[i], &runs[i]);

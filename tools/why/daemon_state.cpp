@@ -201,6 +201,10 @@ void take_line(daemon_state *state, log_line id, const std::vector<std::string> 
             if (number(values, 1) >= 0)
                 state->requests[number(values, 1)] = {number(values, 0), true};
             break;
+        case line_automode_command:
+            if (number(values, 0) == 0 || number(values, 0) == 1)
+                state->automode = number(values, 0) == 1;
+            break;
         case line_game_optimizer:
             state->tuner_policy = number(values, 0) != 0;
             break;

@@ -1,5 +1,7 @@
 #include "tools/why/looking_commands.h"
 
+#include <stdlib.h>
+
 #include <map>
 #include <memory>
 
@@ -29,7 +31,10 @@ void add_looking_commands(CLI::App *parent, const std::string *root, int *exit_c
         ->add_option("--for", given->record.for_s, "How long, as 90s, 10m or 1h; else until Ctrl-C")
         ->transform(
             CLI::AsNumberWithUnit(std::map<std::string, double>{{"s", 1}, {"m", 60}, {"h", 3600}},
-                                  CLI::AsNumberWithUnit::CASE_SENSITIVE));
+                                  CLI::AsNumberWithUnit::CASE_SENSITIVE))
+        ->check([](const std::string &text) {
+            return strtod(text.c_str(), nullptr) > 0 ? "" : "it is to be longer than nothing";
+        });
     record->add_option("--log", given->record.log,
                        "A phone's log, from logcat -v threadtime; - for standard input");
     record->callback([=] {

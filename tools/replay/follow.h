@@ -23,6 +23,6 @@ std::string follow_file(
     const std::function<bool(const std::string &line)> &take,
     const std::function<void()> &idle = [] {});
 
-// The file in which the daemon on `root` notes what it takes; empty where none runs, it does not, or
-// what it writes to is no file.
+// The file in which the daemon on `root` notes what it takes; empty where none runs, it does not,
+// or what it writes to is no file.
 std::string follow_notes_of(const std::string &root, int *daemon);

@@ -38,7 +38,7 @@ std::vector<std::string> words_known_to(CLI::App *command, bool options) {
                 for (const std::string &name : option->get_lnames())
                     words.push_back("--" + name);
         else
-            for (const CLI::App *known : command->get_subcommands([](CLI::App *) { return true; }))
+            for (const CLI::App *known : command_line_below(command))
                 words.push_back(known->get_name());
     }
     return words;
@@ -70,7 +70,8 @@ int finish(int exit_code) {
 
 }  // namespace
 
-void command_line_begin(CLI::App *app, std::string *root) {
+void command_line_build(CLI::App *app, std::string *root, int *exit_code,
+                        const std::vector<add_commands> &groups) {
     app->name("dvxctl");
     app->description("Talks to dvxd in words, and runs virtual devices for it.");
     app->require_subcommand(1);
@@ -82,6 +83,12 @@ void command_line_begin(CLI::App *app, std::string *root) {
         if (root_is_needed && root->empty())
             throw CLI::RequiredError("--root or DVXD_ROOT");
     });
+    for (const add_commands add : groups)
+        add(app, root, exit_code);
+}
+
+std::vector<const CLI::App *> command_line_below(const CLI::App *command) {
+    return command->get_subcommands([](const CLI::App *) { return true; });
 }
 
 void command_line_needs_root(CLI::App *command) {
@@ -93,9 +100,7 @@ int command_line_run(int argc, char **argv, const std::vector<add_commands> &gro
     std::string root;
     int exit_code = 0;
     CLI::App app;
-    command_line_begin(&app, &root);
-    for (const add_commands add : groups)
-        add(&app, &root, &exit_code);
+    command_line_build(&app, &root, &exit_code, groups);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success &asked) {  // for help or the version

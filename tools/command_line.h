@@ -9,8 +9,12 @@
 // command answers becomes `*exit_code`.
 using add_commands = void (*)(CLI::App *parent, const std::string *root, int *exit_code);
 
-// What goes before every command: its help, the version, the root.
-void command_line_begin(CLI::App *app, std::string *root);
+// Puts the command line together: help, version and root, then the commands.
+void command_line_build(CLI::App *app, std::string *root, int *exit_code,
+                        const std::vector<add_commands> &groups);
+
+// The commands directly below one, in the order of its help.
+std::vector<const CLI::App *> command_line_below(const CLI::App *command);
 
 // The command and what stands below it are of no use without a root.
 void command_line_needs_root(CLI::App *command);

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <nlohmann/json.hpp>
+#include <vector>
 
 #include "device/virtual_device.h"
 #include "fia/records.h"
@@ -25,8 +26,17 @@ using nlohmann::ordered_json;
 namespace {
 
 constexpr int wanted_priority = -20;
-constexpr char not_there[] = "is not there";  // as elf_read says it
-constexpr double highest_hz = 60;             // that the analyser's buckets tell apart
+constexpr double highest_hz = 60;  // that the analyser's buckets tell apart
+
+enum verdict { verdict_good, verdict_off, verdict_unknown };
+
+struct finding {
+    std::string subject;  // "library", "node", "property", "socket", "service", "rights", "panel"
+    std::string name;
+    verdict found;
+    std::string said;     // what is there
+    std::string without;  // what is off; only where something is
+};
 
 // What is known while the device is looked at.
 struct device_look {
@@ -64,7 +74,7 @@ elf_symbols find_library(const device_look &look, const std::vector<std::string>
         }
         if (read.error.empty())
             read.error = "is for " + read.processor + ", the daemon for " + look.program.processor;
-        if (where->empty() || read.error != not_there) {
+        if (where->empty() || read.is_there) {
             first = read;
             *where = path;
         }
@@ -105,7 +115,7 @@ void look_at_library(device_look *look, const touched &thing) {
     for (const char *symbol : thing.symbols)
         if (!library.defined.contains(symbol))
             missing += std::string(missing.empty() ? "" : ", ") + symbol;
-    if (library.error == not_there && paths.size() > 1)
+    if (!library.is_there && paths.size() > 1)
         where = std::string(thing.name) + ", below /vendor/lib or /vendor/lib64";
     if (!library.error.empty())
         add(look, "library", where, verdict_off, library.error, thing.without);
@@ -267,9 +277,8 @@ void print_json(const doctor_options &options, const std::vector<finding> &found
     printf("%s\n", said.dump(-1, ' ', false, ordered_json::error_handler_t::replace).c_str());
 }
 
-}  // namespace
-
-std::vector<finding> doctor_look(const doctor_options &options) {
+// The findings, in the order of the daemon's start.
+std::vector<finding> look_at_device(const doctor_options &options) {
     device_look look;
     look.options = options;
     look.daemon = daemon_process(options.root);
@@ -302,6 +311,8 @@ std::vector<finding> doctor_look(const doctor_options &options) {
     return look.found;
 }
 
+}  // namespace
+
 int doctor_command(doctor_options options, bool json) {
     if (options.root.empty() && phone_is_here("/"))
         options.root = "/";
@@ -313,7 +324,7 @@ int doctor_command(doctor_options options, bool json) {
                                      : (options.root + " is no directory").c_str());
         return exit_input;
     }
-    const std::vector<finding> found = doctor_look(options);
+    const std::vector<finding> found = look_at_device(options);
     if (json)
         print_json(options, found);
     else

@@ -64,7 +64,8 @@ elf_symbols elf_read(const std::string &path) {
     elf_symbols read;
     const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) {
-        read.error = errno == ENOENT ? "is not there" : strerror(errno);
+        read.is_there = errno != ENOENT;
+        read.error = read.is_there ? strerror(errno) : "is not there";
         return read;
     }
     elf_version(EV_CURRENT);

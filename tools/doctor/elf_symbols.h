@@ -6,6 +6,7 @@
 
 struct elf_symbols {
     std::string error;  // why nothing could be read; empty: all is well
+    bool is_there = true;
     std::string processor;
     bool is_64_bit = false;
     std::set<std::string> defined;  // names of dynamic symbols that others may bind

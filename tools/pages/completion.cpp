@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/events.h"
+#include "tools/command_line.h"
 #include "tools/doctor/touched.h"
 
 namespace {
@@ -32,11 +33,14 @@ std::string quoted(const std::string &path) {
     return "'" + path + "'";
 }
 
+// A branch that prints words, if there are any, and is the last.
 std::string case_of(const std::string &path, const std::vector<std::string> &words) {
-    std::string line = "        " + quoted(path) + ") printf '%s\\n'";
+    std::string line = "        " + quoted(path) + ")";
+    if (!words.empty())
+        line += " printf '%s\\n'";
     for (const std::string &word : words)
         line += " " + word;
-    return words.empty() ? "" : line + " ;;\n";
+    return line + (words.empty() ? " return ;;\n" : "; return ;;\n");
 }
 
 std::string path_of(const CLI::App *command) {
@@ -48,7 +52,7 @@ std::string path_of(const CLI::App *command) {
 // What may follow a command: its commands, options, and the values of what it takes.
 std::vector<std::string> words_behind(const CLI::App *command) {
     std::vector<std::string> words;
-    for (const CLI::App *each : command->get_subcommands([](const CLI::App *) { return true; }))
+    for (const CLI::App *each : command_line_below(command))
         words.push_back(each->get_name());
     for (const CLI::Option *option : command->get_options())
         for (const std::string &word :
@@ -71,18 +75,9 @@ void add_cases(const CLI::App *command, std::string *paths, std::string *words,
     *words += case_of(path_of(command), words_behind(command));
     for (const CLI::Option *option : command->get_options())
         for (const std::string &name : names_of(option))
-            if (!option->get_type_name().empty()) {
-                const std::vector<std::string> of = values_of(option);
-                *values += "        " + quoted(path_of(command) + " " + name) + ")";
-                if (!of.empty())
-                    *values += " printf '%s\\n'";
-                for (const std::string &value : of)
-                    *values += " " + value;
-                *values += " return ;;\n";
-                if (!of.empty())
-                    values->replace(values->rfind(" return"), 1, "; ");
-            }
-    for (const CLI::App *each : command->get_subcommands([](const CLI::App *) { return true; })) {
+            if (!option->get_type_name().empty())
+                *values += case_of(path_of(command) + " " + name, values_of(option));
+    for (const CLI::App *each : command_line_below(command)) {
         *paths += (paths->empty() ? "" : " | ") + quoted(path_of(each));
         add_cases(each, paths, words, values);
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "tools/command_line.h"
 #include "tools/exit_status.h"
 
 namespace {
@@ -69,10 +70,6 @@ std::vector<const CLI::Option *> options_of(const CLI::App *command) {
     return options;
 }
 
-std::vector<const CLI::App *> commands_of(const CLI::App *command) {
-    return command->get_subcommands([](const CLI::App *) { return true; });
-}
-
 std::string synopsis(const CLI::App *command) {
     std::string text = ".Sh SYNOPSIS\n.Nm dvxctl\n" + path_of(command);
     for (const CLI::Option *option : options_of(command)) {
@@ -81,7 +78,7 @@ std::string synopsis(const CLI::App *command) {
         if (option->get_items_expected_max() > 1 && option->get_positional())
             text.insert(text.size() - 1, " ...");
     }
-    return commands_of(command).empty() ? text : text + ".Ar COMMAND ...\n";
+    return command_line_below(command).empty() ? text : text + ".Ar COMMAND ...\n";
 }
 
 std::string list_options(const CLI::App *command) {
@@ -104,7 +101,7 @@ std::string list_options(const CLI::App *command) {
 }
 
 std::string list_commands(const CLI::App *command) {
-    const std::vector<const CLI::App *> commands = commands_of(command);
+    const std::vector<const CLI::App *> commands = command_line_below(command);
     if (commands.empty())
         return "";
     std::string text = ".Sh COMMANDS\n.Bl -tag -width Ds\n";

@@ -13,7 +13,7 @@ namespace {
 
 void write_pages(const CLI::App *command, const fs::path &folder, const std::string &date) {
     std::ofstream(folder / (man_page_name(command) + ".1")) << man_page(command, date);
-    for (const CLI::App *each : command->get_subcommands([](const CLI::App *) { return true; }))
+    for (const CLI::App *each : command_line_below(command))
         write_pages(each, folder, date);
 }
 
@@ -27,9 +27,7 @@ int main(int argc, char **argv) {
     std::string root;
     int exit_code = 0;
     CLI::App app;
-    command_line_begin(&app, &root);
-    for (const add_commands add : desk_commands)
-        add(&app, &root, &exit_code);
+    command_line_build(&app, &root, &exit_code, desk_commands);
     write_pages(&app, folder, argv[2]);
     std::ofstream bash(folder / "dvxctl.bash"), zsh(folder / "_dvxctl");
     bash << completion_for_bash(&app);

@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <stdio.h>
 #include <string.h>
+#include <CLI/CLI.hpp>
 
 #include <iostream>
 

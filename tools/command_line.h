@@ -1,9 +1,10 @@
 // The command line of dvxctl, whatever commands it is given.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
+
+#include "tools/cli_fwd.h"
 
 // Adds commands to `parent`. `root` is the device's directory and outlives the parsing; what a
 // command answers becomes `*exit_code`.

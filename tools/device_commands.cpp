@@ -2,6 +2,7 @@
 
 #include <stdio.h>
 #include <string.h>
+#include <CLI/CLI.hpp>
 
 #include <memory>
 

@@ -1,6 +1,7 @@
 // What may stand before the bar of a scenario's line.
 #include <stdlib.h>
 #include <string.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 

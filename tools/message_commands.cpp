@@ -1,6 +1,7 @@
 #include "tools/message_commands.h"
 
 #include <stdio.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <memory>

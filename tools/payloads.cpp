@@ -1,6 +1,7 @@
 #include "tools/payloads.h"
 
 #include <stdlib.h>
+#include <CLI/CLI.hpp>
 
 #include <map>
 

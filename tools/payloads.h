@@ -2,10 +2,10 @@
 // they become a message and how a message becomes them again.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 
 #include "client/dvx_client.h"
+#include "tools/cli_fwd.h"
 
 enum payload_kind {
     payload_none,

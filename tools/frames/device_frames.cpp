@@ -4,6 +4,7 @@
 #include <stdio.h>
 #include <string.h>
 #include <unistd.h>
+#include <CLI/CLI.hpp>
 
 #include <cmath>
 #include <memory>

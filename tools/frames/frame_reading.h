@@ -1,9 +1,9 @@
 // What the commands that read frame files have in common.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 
+#include "tools/cli_fwd.h"
 #include "tools/frames/frame_file.h"
 
 // Adds the options that overrule what a file says; `options` outlives the parsing.

@@ -1,6 +1,7 @@
 #include "tools/frames/frames_command.h"
 
 #include <stdio.h>
+#include <CLI/CLI.hpp>
 
 #include <cmath>
 #include <memory>

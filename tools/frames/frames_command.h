@@ -1,8 +1,9 @@
 // The commands that read frame files: `dvxctl frames` and `dvxctl device frames`.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
+
+#include "tools/cli_fwd.h"
 
 // Adds `frames` to `app`. What it answers becomes `*exit_code`: 0, or 2 when a file cannot be read.
 void add_frames_commands(CLI::App *app, const std::string *root, int *exit_code);

@@ -1,5 +1,6 @@
 #include "tools/pages/completion.h"
 
+#include <CLI/CLI.hpp>
 #include <sstream>
 #include <vector>
 

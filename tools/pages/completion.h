@@ -1,8 +1,9 @@
 // What a shell may offer behind the words of a dvxctl command, from what its own help knows.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
+
+#include "tools/cli_fwd.h"
 
 // A function of POSIX shell, `_dvxctl_words WORD...`, that prints a line a word that may follow;
 // none where a file may.

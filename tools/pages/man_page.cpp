@@ -1,5 +1,6 @@
 #include "tools/pages/man_page.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <sstream>
 

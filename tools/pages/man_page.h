@@ -1,8 +1,9 @@
 // Manual pages of dvxctl, from what its own help knows.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
+
+#include "tools/cli_fwd.h"
 
 // The page of a command, or of dvxctl itself, in mdoc. `date` as "November 23, 2026".
 std::string man_page(const CLI::App *command, const std::string &date);

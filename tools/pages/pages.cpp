@@ -1,5 +1,6 @@
 // Writes dvxctl's manual pages and completions into a folder: pages FOLDER DATE.
 
+#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <fstream>
 

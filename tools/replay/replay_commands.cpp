@@ -1,5 +1,6 @@
 #include "tools/replay/replay_commands.h"
 
+#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "tools/replay/replay.h"

@@ -1,8 +1,9 @@
 // The commands that take up recordings: replay, report, export.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
+
+#include "tools/cli_fwd.h"
 
 // Adds them, as `add_commands` has it.
 void add_replay_commands(CLI::App *parent, const std::string *root, int *exit_code);

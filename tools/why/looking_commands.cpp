@@ -1,6 +1,7 @@
 #include "tools/why/looking_commands.h"
 
 #include <stdlib.h>
+#include <CLI/CLI.hpp>
 
 #include <map>
 #include <memory>

@@ -2,8 +2,9 @@
 // doctor.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
+
+#include "tools/cli_fwd.h"
 
 // Adds them, as `add_commands` has it.
 void add_looking_commands(CLI::App *parent, const std::string *root, int *exit_code);

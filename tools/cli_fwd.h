@@ -1,0 +1,8 @@
+// Names of the command-line library, for headers that pass its commands on: whoever works with one
+// includes the library, which takes seconds to compile.
+#pragma once
+
+namespace CLI {
+class App;
+class Validator;
+}  // namespace CLI

@@ -150,19 +150,22 @@ bool match_from(const compiled_row &row, size_t at, std::string_view text,
     text.remove_prefix(next.literal.size());
     if (next.padded)
         text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-    const bool anything = next.conversion == 's';
-    size_t length = anything ? 0 : value_length(next.conversion, text);
-    if (length == 0 && !anything)
-        return false;
-    // The shortest text that lets the rest match; nothing but a text has a choice.
-    for (; length <= text.size(); ++length) {
+    const auto match_after = [&](size_t length) {
         values->resize(at);
         values->push_back(text.substr(0, length));
-        if (match_from(row, at + 1, text.substr(length), values))
-            return true;
-        if (!anything)
-            break;
+        return match_from(row, at + 1, text.substr(length), values);
+    };
+    if (next.conversion != 's') {
+        const size_t length = value_length(next.conversion, text);
+        return length > 0 && match_after(length);
     }
+    // The shortest text that lets the rest match; nothing but a text has a choice.
+    const std::string_view after =
+        at + 1 < row.pieces.size() ? row.pieces[at + 1].literal : row.tail;
+    for (size_t length = text.find(after); length != std::string_view::npos;
+         length = text.find(after, length + 1))
+        if (match_after(length))
+            return true;
     return false;
 }
 

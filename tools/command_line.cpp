@@ -4,8 +4,8 @@
 #include <signal.h>
 #include <stdio.h>
 #include <string.h>
-#include <CLI/CLI.hpp>
 
+#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "client/dvx_client.h"

@@ -2,8 +2,8 @@
 
 #include <stdio.h>
 #include <string.h>
-#include <CLI/CLI.hpp>
 
+#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "device/hardware_conf.h"

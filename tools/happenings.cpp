@@ -1,7 +1,6 @@
 // What may stand before the bar of a scenario's line.
 #include <stdlib.h>
 #include <string.h>
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 
@@ -67,18 +66,13 @@ bool is_service(const std::string &socket) {
 }
 
 std::string read_word_message(const message_word &word, const words &rest, happening *what) {
+    std::vector<std::string> texts;
+    for (const auto &each : rest)
+        texts.push_back(each.text);
     payload_words given;
-    CLI::App command("", word.word);
-    command.set_help_flag();
-    payload_add_options(word.payload, &command, &given);
-    std::vector<std::string> reversed;
-    for (auto it = rest.rbegin(); it != rest.rend(); ++it)
-        reversed.push_back(it->text);
-    try {
-        command.parse(reversed);
-    } catch (const CLI::ParseError &error) {
-        return error.what();
-    }
+    const std::string error = payload_take(word.payload, texts, &given);
+    if (!error.empty())
+        return error;
     what->kind = happening_message;
     what->message = make_word_message(word, given);
     what->is_text = payload_is_text(word.payload);

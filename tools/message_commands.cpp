@@ -1,8 +1,8 @@
 #include "tools/message_commands.h"
 
 #include <stdio.h>
-#include <CLI/CLI.hpp>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <string>

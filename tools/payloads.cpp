@@ -1,8 +1,9 @@
 #include "tools/payloads.h"
 
 #include <stdlib.h>
-#include <CLI/CLI.hpp>
 
+#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <map>
 
 namespace {
@@ -240,6 +241,19 @@ CLI::Validator at_most(size_t characters) {
 
 void payload_add_options(payload_kind kind, CLI::App *command, payload_words *given) {
     rows[kind].add_options(command, given);
+}
+
+std::string payload_take(payload_kind kind, std::vector<std::string> words, payload_words *given) {
+    CLI::App command;
+    command.set_help_flag();
+    payload_add_options(kind, &command, given);
+    std::reverse(words.begin(), words.end());  // as the library takes them
+    try {
+        command.parse(words);
+    } catch (const CLI::ParseError &error) {
+        return error.what();
+    }
+    return {};
 }
 
 bool payload_is_text(payload_kind kind) {

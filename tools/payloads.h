@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "client/dvx_client.h"
 #include "tools/cli_fwd.h"
@@ -35,6 +36,9 @@ CLI::Validator at_most(size_t characters);
 
 // Adds the kind's words to a command; they are stored in `given`, which outlives the parsing.
 void payload_add_options(payload_kind kind, CLI::App *command, payload_words *given);
+
+// Takes the kind's words without a command line. What is wrong with them, or an empty text.
+std::string payload_take(payload_kind kind, std::vector<std::string> words, payload_words *given);
 
 // Whether the kind's payload is a text.
 bool payload_is_text(payload_kind kind);

@@ -4,8 +4,8 @@
 #include <stdio.h>
 #include <string.h>
 #include <unistd.h>
-#include <CLI/CLI.hpp>
 
+#include <CLI/CLI.hpp>
 #include <cmath>
 #include <memory>
 

@@ -1,8 +1,8 @@
 #include "tools/frames/frames_command.h"
 
 #include <stdio.h>
-#include <CLI/CLI.hpp>
 
+#include <CLI/CLI.hpp>
 #include <cmath>
 #include <memory>
 #include <nlohmann/json.hpp>

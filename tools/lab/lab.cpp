@@ -2,8 +2,8 @@
 
 #include <stdio.h>
 #include <string.h>
-#include <CLI/CLI.hpp>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>

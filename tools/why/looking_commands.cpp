@@ -1,8 +1,8 @@
 #include "tools/why/looking_commands.h"
 
 #include <stdlib.h>
-#include <CLI/CLI.hpp>
 
+#include <CLI/CLI.hpp>
 #include <map>
 #include <memory>
 

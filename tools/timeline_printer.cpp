@@ -2,9 +2,6 @@
 
 #include <errno.h>
 #include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <fstream>
@@ -12,6 +9,7 @@
 
 #include "device/virtual_device.h"
 #include "tools/log_lines.h"
+#include "tools/terminal.h"
 
 namespace {
 
@@ -126,11 +124,4 @@ bool timeline_is_telling(const timeline_entry &entry) {
         return true;
     const log_match line = log_line_match(entry.text);
     return line.row == nullptr || line.row->sentence != nullptr;
-}
-
-bool wants_colour(void) {
-    const char *no_colour = getenv("NO_COLOR");
-    const char *terminal = getenv("TERM");
-    return isatty(STDOUT_FILENO) == 1 && (no_colour == nullptr || no_colour[0] == '\0') &&
-           (terminal == nullptr || strcmp(terminal, "dumb") != 0);
 }

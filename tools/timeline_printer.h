@@ -31,6 +31,3 @@ int timeline_flush(timeline_printer *printer);
 // Whether the entry is worth a person's look: not the tables of start-up, not the daemon's
 // book-keeping, not the polls of the thermal engine.
 bool timeline_is_telling(const timeline_entry &entry);
-
-// Whether standard output is a terminal that wants colours.
-bool wants_colour(void);

@@ -5,6 +5,7 @@
 
 #include "tools/messages.h"
 #include "tools/scenario.h"
+#include "tools/terminal.h"
 #include "tools/timeline.h"
 
 namespace {
@@ -25,6 +26,13 @@ TEST(Timeline, ReadsTheDaemonsLog) {
     EXPECT_EQ(event.time_ns - exact.time_ns, 999000 - 456000);
     EXPECT_EQ(parse_daemon_line("11-22 19:32:10.123 1 1 I Quorvel : EV : 77", 0).text, "77 ?");
     EXPECT_EQ(parse_daemon_line("something else", 7).time_ns, 7);
+}
+
+TEST(Terminal, FoldsLinesAtBlanks) {
+    EXPECT_EQ(folded("one two  three\nfour five", 2, 9), "one two\n  three\nfour five");
+    EXPECT_EQ(folded("one two three", 2, 0), "one two three");
+    EXPECT_EQ(folded("   a longerthancolumns b", 3, 8), "   a\n   longerthancolumns\n   b");
+    EXPECT_EQ(folded("µµµµ µµµ", 1, 8), "µµµµ µµµ");  // columns, not bytes
 }
 
 TEST(Messages, AreDescribedInTheWordsThatSendThem) {

@@ -4,6 +4,7 @@
 #include <linux/magic.h>
 #include <poll.h>
 #include <stdio.h>
+#include <string.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
@@ -20,6 +21,7 @@
 #include "tools/doctor/phone.h"
 #include "tools/doctor/touched.h"
 #include "tools/exit_status.h"
+#include "tools/terminal.h"
 
 using nlohmann::ordered_json;
 
@@ -252,10 +254,13 @@ constexpr const char *verdict_words[] = {"good", "off", "unknown"};
 void print_findings(const std::vector<finding> &found) {
     size_t off = 0;
     for (const finding &each : found) {
-        printf("%-8s %-8s %s: %s\n", verdict_words[each.found], each.subject.c_str(),
-               each.name.c_str(), each.said.c_str());
+        char begin[32];
+        snprintf(begin, sizeof(begin), "%-8s %-8s ", verdict_words[each.found],
+                 each.subject.c_str());
+        const size_t indent = strlen(begin);
+        print_folded(begin + each.name + ": " + each.said, indent);
         if (!each.without.empty())
-            printf("%-17s without it: %s\n", "", each.without.c_str());
+            print_folded(std::string(indent, ' ') + "without it: " + each.without, indent);
         off += each.found == verdict_off ? 1 : 0;
     }
     if (off == 0)

@@ -1,7 +1,6 @@
 #include "tools/lab/lab.h"
 
 #include <stdio.h>
-#include <string.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -13,6 +12,7 @@
 
 #include "tools/exit_status.h"
 #include "tools/frames/frame_file.h"
+#include "tools/lab/results.h"
 #include "tools/lab/search.h"
 #include "tools/lab/table.h"
 #include "tools/replay/settings.h"
@@ -100,68 +100,6 @@ std::string prepare(arguments *given) {
     return wrong;
 }
 
-// ---- the table
-
-double lost(const game_result &result) {
-    return result.free.fps - result.capped.fps;
-}
-
-void print_row(const char *mark, const char *name, const std::vector<double> &figures) {
-    constexpr const char *forms[] = {"%7.2f", "%7.2f",   "%6.1f%%", "%6.1f%%", "%7.2f",
-                                     "%7.2f", "%6.1f%%", "%6.1f%%", "%6.1f%%", "%6.1f%%",
-                                     "%7.1f", "%7.1f",   "%7.0f"};
-    printf("%s%-15.15s", mark, name);
-    for (size_t i = 0; i < figures.size(); ++i)
-        printf(forms[i], figures[i]);
-    printf("\n");
-}
-
-std::vector<double> figures_of(const game_result &result) {
-    return {result.free.fps,
-            result.capped.fps,
-            result.free.missed * 100,
-            result.capped.missed * 100,
-            result.free.low_fps,
-            result.capped.low_fps,
-            lab_energy_saved(result) * 100,
-            result.capped.cut[resource_big] * 100,
-            result.capped.cut[resource_little] * 100,
-            result.capped.cut[resource_gpu] * 100,
-            result.capped.changes / result.minutes,
-            result.capped.reversals / result.minutes,
-            result.capped.settle_s};
-}
-
-void print_table(const std::vector<game_result> &results) {
-    printf(
-        "                    fps           late frames     1 %% low         energy  caps cut "
-        "by            changes a min  settle\n");
-    printf(
-        "                   free capped    free capped    free capped   saved    big little"
-        "    gpu    all   back       s\n");
-    std::vector<double> sums;
-    double worst = 0;
-    for (const game_result &result : results)
-        worst = std::max(worst, lost(result));
-    bool left = false;
-    for (const game_result &result : results) {
-        const std::vector<double> figures = figures_of(result);
-        print_row(lost(result) >= 1 || (lost(result) == worst && worst > 0.05) ? "> " : "  ",
-                  result.game.c_str(), figures);
-        sums.resize(figures.size());
-        for (size_t i = 0; i < figures.size(); ++i)
-            sums[i] += figures[i] / static_cast<double>(results.size());
-        if (result.caps_left)
-            printf("  %s: a cap was left behind after the game\n", result.game.c_str());
-        left |= result.caps_left;
-    }
-    print_row("  ", "mean", sums);
-    printf(
-        "> loses most, or a frame per second and more. Energy is a model's result, a frame's, as "
-        "a share of the same game without caps.\n%s",
-        left ? "" : "No cap was left behind after a game.\n");
-}
-
 int run_lab(arguments *given) {
     const std::string wrong = prepare(given);
     if (!wrong.empty())
@@ -174,7 +112,7 @@ int run_lab(arguments *given) {
         for (const game_result &result : results)
             printf("%s\n", lab_describe(result).dump().c_str());
     else
-        print_table(results);
+        print_results(results);
     const bool left = std::any_of(results.begin(), results.end(),
                                   [](const game_result &result) { return result.caps_left; });
     return left ? exit_found : 0;

@@ -11,6 +11,7 @@
 #include "tools/replay/course.h"
 #include "tools/replay/replay.h"
 #include "tools/replay/settings.h"
+#include "tools/terminal.h"
 #include "tools/why/why.h"
 
 using json = nlohmann::ordered_json;
@@ -43,9 +44,9 @@ void count_moment(run_account *run, bool why, const moment &now) {
 
 void print_decisions(const json &decisions) {
     for (const json &made : decisions)
-        printf("%s\n", decision_text({static_cast<int64_t>(made.at("t_s").get<double>() * 1e9),
-                                      decision_other, made.at("text"), made.at("detail")})
-                           .c_str());
+        print_folded(decision_text({static_cast<int64_t>(made.at("t_s").get<double>() * 1e9),
+                                    decision_other, made.at("text"), made.at("detail")}),
+                     decision_indent);
 }
 
 json describe_figures(const run_figures &figures, int64_t duration_ns) {

@@ -1,4 +1,5 @@
 #include "tools/report/report.h"
+
 #include <stdio.h>
 
 #include <algorithm>
@@ -187,7 +188,8 @@ int report_command(const report_options &options) {
         fail("cannot write " + options.out);
         return exit_found;
     }
-    printf("%s: %s; %s\n", options.out.c_str(), runs[0].title.c_str(),
-           data["runs"][0]["verdict"].get<std::string>().c_str());
+    for (size_t i = 0; i < runs.size(); ++i)
+        printf("%s: %s; %s\n", options.out.c_str(), runs[i].title.c_str(),
+               data["runs"][i]["verdict"].get<std::string>().c_str());
     return 0;
 }

@@ -14,6 +14,7 @@
 #include "tools/daemon_process.h"
 #include "tools/delivery.h"
 #include "tools/exit_status.h"
+#include "tools/terminal.h"
 #include "tools/why/moments.h"
 #include "tools/why/why.h"
 
@@ -22,6 +23,7 @@ using nlohmann::ordered_json;
 namespace {
 
 constexpr size_t decisions_shown = 10;
+constexpr size_t title_width = 14;
 constexpr char not_known[] = "not known";
 
 struct status {
@@ -176,7 +178,9 @@ std::string words_of(const ordered_json &value, const char *on = "on", const cha
 }
 
 void print_row(const char *name, const std::string &text) {
-    printf("%-14s %s\n", name, text.c_str());
+    std::string row = name;
+    row.resize(std::max(row.size(), title_width), ' ');
+    print_folded(row + " " + text, title_width + 1);
 }
 
 std::string say_rate(const ordered_json &rate) {
@@ -184,7 +188,7 @@ std::string say_rate(const ordered_json &rate) {
     if (!rate["winner"].is_null())
         text += ", wanted by " + words_of(rate["winner"]);
     for (const ordered_json &request : rate["requests"])
-        text += "\n" + std::string(15, ' ') + words_of(request["requestor"]) + ": " +
+        text += "\n" + std::string(title_width + 1, ' ') + words_of(request["requestor"]) + ": " +
                 (!request["fps"].is_null()      ? words_of(request["fps"])
                  : request["known"].get<bool>() ? "no wish"
                                                 : "wish not known") +
@@ -252,7 +256,7 @@ void print_status(const ordered_json &said, const std::deque<decision> &last) {
         print_row(name.c_str(), words_of(answers, "answers", "does not answer"));
     printf("last decisions\n");
     for (const decision &made : last)
-        printf("  %s\n", decision_text(made).c_str());
+        print_folded("  " + decision_text(made), decision_indent);
 }
 
 }  // namespace

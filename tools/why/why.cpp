@@ -68,6 +68,6 @@ std::string decision_text(const decision &made) {
     snprintf(time, sizeof(time), "+%.3f", static_cast<double>(made.time_ns) / 1e9);
     std::string text = std::string(time) + "  " + made.text;
     if (!made.detail.empty())
-        text += "\n         " + made.detail;
+        text += "\n" + std::string(decision_indent, ' ') + made.detail;
     return text;
 }

@@ -35,7 +35,8 @@ std::vector<decision> why_take(daemon_state *state, const moment &now);
 // "caps", "measuring" and so on, for whoever filters.
 const char *decision_kind_word(decision_kind kind);
 
-// "+61.204  text", and the detail indented beneath.
+// "+61.204  text", and the detail beneath, indented as far.
+constexpr size_t decision_indent = 9;
 std::string decision_text(const decision &made);
 
 // The same as an object: "t_s", "kind", "text", "detail".

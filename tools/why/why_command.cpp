@@ -8,6 +8,7 @@
 #include "tools/daemon_process.h"
 #include "tools/exit_status.h"
 #include "tools/replay/follow.h"
+#include "tools/terminal.h"
 #include "tools/why/moments.h"
 #include "tools/why/why.h"
 
@@ -17,7 +18,7 @@ namespace {
 
 void print_decision(const decision &made, bool json) {
     if (!json) {
-        printf("%s\n", decision_text(made).c_str());
+        print_folded(decision_text(made), decision_indent);
         return;
     }
     const ordered_json line = why_describe(made);

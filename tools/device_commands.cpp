@@ -46,11 +46,6 @@ int create(const std::string &root) {
     return 0;
 }
 
-int fail_without_device(const std::string &root) {
-    return fail(root + " is not a virtual device; lay one out with dvxctl --root " +
-                shell_quoted(root) + " device create");
-}
-
 int start(const std::string &root) {
     if (!device_exists(root))
         return fail_without_device(root);
@@ -88,6 +83,8 @@ int panel(const std::string &root, bool on) {
 }
 
 int property(const std::string &root, const std::string &name, const std::string *value) {
+    if (!device_exists(root))
+        return fail_without_device(root);
     if (value == nullptr) {
         const std::string present = device_property(root, name);
         if (present.empty())

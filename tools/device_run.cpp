@@ -3,6 +3,7 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <signal.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/file.h>
@@ -14,6 +15,8 @@
 #include "device/service_words.h"
 #include "device/virtual_device.h"
 #include "tools/delivery.h"
+#include "tools/exit_status.h"
+#include "tools/words.h"
 
 namespace {
 
@@ -57,6 +60,13 @@ std::string explain_failed_start(const std::string &root) {
 }
 
 }  // namespace
+
+int fail_without_device(const std::string &root) {
+    fprintf(stderr,
+            "dvxctl: %s is not a virtual device; lay one out with dvxctl --root %s device create\n",
+            root.c_str(), shell_quoted(root).c_str());
+    return exit_input;
+}
 
 std::string start_device(const std::string &root, bool die_with_me, int *pid) {
     // One start at a time: a second one would take the first one's log and process for its own.

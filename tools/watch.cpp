@@ -10,6 +10,8 @@
 
 #include "device/hardware_conf.h"
 #include "device/virtual_device.h"
+#include "tools/device_run.h"
+#include "tools/exit_status.h"
 #include "tools/timeline.h"
 #include "tools/timeline_printer.h"
 
@@ -80,9 +82,11 @@ bool watch_folders(watcher *wake, const std::string &root) {
 
 int watch_device(const std::string &root, bool brief, bool why) {
     watcher wake = {-1, -1, 0, -1, false};
-    if (!device_exists(root) || !watch_folders(&wake, root)) {
-        fprintf(stderr, "dvxctl: %s is not a virtual device that can be watched\n", root.c_str());
-        return 1;
+    if (!device_exists(root))
+        return fail_without_device(root);
+    if (!watch_folders(&wake, root)) {
+        fprintf(stderr, "dvxctl: cannot watch %s: %s\n", root.c_str(), strerror(errno));
+        return exit_found;
     }
     timeline line = timeline_open(root);
     timeline_printer printer = make_timeline_printer(&line, brief, why);
@@ -115,5 +119,5 @@ int watch_device(const std::string &root, bool brief, bool why) {
         fprintf(stderr, "dvxctl: cannot write: %s\n", strerror(error));
     else
         fprintf(stderr, "dvxctl: the device at %s is gone\n", root.c_str());
-    return 1;
+    return exit_found;
 }

@@ -46,6 +46,10 @@ std::string nearest_word(const std::string &typed, const std::vector<std::string
     return nearest;
 }
 
+std::string counted(size_t count, const char *thing) {
+    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
+
 std::string check_speed(const std::string &text, const std::string &unreal) {
     char *end = nullptr;
     const double factor = strtod(text.c_str(), &end);

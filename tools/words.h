@@ -1,5 +1,7 @@
-// Words of the command line: what a mistyped one may have meant, and how fast time is to be.
+// Words of the command line: what a mistyped one may have meant, how many, how fast time is to be.
 #pragma once
+
+#include <stddef.h>
 
 #include <string>
 #include <vector>
@@ -7,6 +9,9 @@
 // The word that is nearest to what was typed, by letters left out, added, exchanged or swapped with
 // their neighbour; empty where none is near.
 std::string nearest_word(const std::string &typed, const std::vector<std::string> &words);
+
+// "1 row", "2 rows".
+std::string counted(size_t count, const char *thing);
 
 // A speed is "real", a factor from 0.001 to 1000, or the word for the time that is not real ("max",
 // "virtual"). Empty, or what is wrong with the text.

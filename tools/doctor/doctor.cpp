@@ -118,7 +118,9 @@ void look_at_library(device_look *look, const touched &thing) {
         if (!library.defined.contains(symbol))
             missing += std::string(missing.empty() ? "" : ", ") + symbol;
     if (!library.is_there && paths.size() > 1)
-        where = std::string(thing.name) + ", below /vendor/lib or /vendor/lib64";
+        where = std::string(thing.name) +
+                (thing.kind == touched_linked ? ", in the library folders of /vendor, /system, /odm"
+                                              : ", below /vendor/lib or /vendor/lib64");
     if (!library.error.empty())
         add(look, "library", where, verdict_off, library.error, thing.without);
     else if (!missing.empty())

@@ -12,6 +12,7 @@
 #include "device/virtual_device.h"
 #include "tools/daemon_process.h"
 #include "tools/delivery.h"
+#include "tools/device_run.h"
 #include "tools/exit_status.h"
 #include "tools/frames/frame_outcome.h"
 #include "tools/frames/frame_play.h"
@@ -61,8 +62,7 @@ void show_progress(const progress &now, const frame_run &run, size_t all) {
 
 int explain(const std::string &root, const frame_run &run, size_t all) {
     if (!device_exists(root))
-        return fail(root + " is not a virtual device; lay one out with dvxctl --root " +
-                    shell_quoted(root) + " device create");
+        return fail_without_device(root);
     if (run.error == -ENXIO)
         return fail("no daemon reads the nodes of " + root);
     const std::string far =
@@ -128,11 +128,12 @@ int play_file(const std::string &root, const arguments &given) {
     if (run.interrupted)
         printf("stopped after %zu of %zu intervals: ", run.played, intervals_us.size());
     else
-        printf("%zu intervals played: ", run.played);
+        printf("%s played: ", counted(run.played, "interval").c_str());
     printf("%.2f s of frames in %.2f s, from %s\n", run.played_us / 1e6, took_s,
            frame_describe(file).c_str());
     if (file.left_out > 0)
-        printf("%zu rows left out: %s\n", file.left_out, file.left_out_why.c_str());
+        printf("%s left out: %s\n", counted(file.left_out, "row").c_str(),
+               file.left_out_why.c_str());
     for (const std::string &remark : file.remarks)
         printf("%s\n", remark.c_str());
     printf("%s", frame_outcome_end(&outcome).c_str());

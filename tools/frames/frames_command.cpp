@@ -11,6 +11,7 @@
 #include "tools/frames/frame_figures.h"
 #include "tools/frames/frame_file.h"
 #include "tools/frames/frame_reading.h"
+#include "tools/words.h"
 
 namespace {
 
@@ -23,8 +24,9 @@ struct arguments {
 void print_text(const std::string &path, const frame_file &file) {
     const frame_figures of = frame_figures_of(file.intervals_us);
     printf("%s: %s\n", path.c_str(), frame_describe(file).c_str());
-    printf("  %zu intervals in %.2f s; %zu rows left out%s%s\n", of.intervals, of.duration_s,
-           file.left_out, file.left_out == 0 ? "" : ": ", file.left_out_why.c_str());
+    printf("  %s in %.2f s; %s left out%s%s\n", counted(of.intervals, "interval").c_str(),
+           of.duration_s, counted(file.left_out, "row").c_str(), file.left_out == 0 ? "" : ": ",
+           file.left_out_why.c_str());
     for (const std::string &remark : file.remarks)
         printf("  %s\n", remark.c_str());
     printf("  frames per second: mean %.2f, median %.2f, 1 %% low %.2f, 0.1 %% low %.2f\n",
@@ -56,7 +58,7 @@ void print_json(const std::string &path, const frame_file &file) {
                                            {"fps_0_1_low", rounded(of.fps_0_1_low)},
                                            {"above_1_5_median", of.above_1_5_median},
                                            {"above_2_median", of.above_2_median},
-                                           {"duration_s", rounded(of.duration_s * 1000) / 1000},
+                                           {"duration_s", std::round(of.duration_s * 1e6) / 1e6},
                                            {"remarks", file.remarks}};
     printf("%s\n", object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
 }

@@ -304,5 +304,9 @@ int merge_command(const std::vector<std::string> &paths, double max_loss, bool j
         if (!wrong.empty())
             return fail(wrong);
     }
+    std::set<std::string> sets;  // what two shards have tried counts once
+    std::erase_if(tried, [&](const ordered_json &each) {
+        return !sets.insert(each.at("set").dump()).second;
+    });
     return conclude(tried, max_loss, json);
 }

@@ -14,6 +14,7 @@
 #include "tools/replay/recording.h"
 #include "tools/replay/seen.h"
 #include "tools/replay/settings.h"
+#include "tools/words.h"
 
 using nlohmann::ordered_json;
 
@@ -145,7 +146,7 @@ int record_command(const record_options &options) {
         fprintf(stderr, "\n");
     if (status != 0)
         return fail(out.error, status);
-    printf("%s: %zu lines, %zu messages, %zu intervals\n", out.path.c_str(), out.lines,
-           out.messages, out.intervals);
+    printf("%s: %s, %s, %s\n", out.path.c_str(), counted(out.lines, "line").c_str(),
+           counted(out.messages, "message").c_str(), counted(out.intervals, "interval").c_str());
     return 0;
 }

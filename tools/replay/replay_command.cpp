@@ -13,6 +13,7 @@
 #include "tools/replay/settings.h"
 #include "tools/terminal.h"
 #include "tools/why/why.h"
+#include "tools/words.h"
 
 using json = nlohmann::ordered_json;
 
@@ -178,9 +179,11 @@ int replay_exactly(const std::string &path, recording *file, const simulated_fig
         printf("%s\n", said.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
         return difference.found ? exit_found : 0;
     }
-    printf("%.1f s of dvxd %s: %zu messages, %zu intervals; replayed in %.2f s, %zu records\n",
+    printf("%.1f s of dvxd %s: %s, %s; replayed in %.2f s, %s\n",
            static_cast<double>(counts.duration_ns) / second_ns, file->header.daemon.c_str(),
-           counts.messages, counts.intervals, took_s, counts.records);
+           counted(counts.messages, "message").c_str(),
+           counted(counts.intervals, "interval").c_str(), took_s,
+           counted(counts.records, "record").c_str());
     if (options.why)
         print_decisions(ran.decisions);
     if (difference.found) {

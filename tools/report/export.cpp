@@ -1,5 +1,7 @@
 // A recording for other programs: trace events, and tidy tables.
 #include <stdio.h>
+
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -20,8 +22,17 @@ constexpr int modes_thread = 1;
 constexpr int decisions_thread = 2;
 constexpr int first_daemon_thread = 10;
 
+// To nanoseconds.
+double microseconds(double time_s) {
+    return std::round(time_s * 1e9) / 1e3;
+}
+
 ordered_json event(const char *phase, const std::string &name, double time_s, int thread) {
-    return {{"ph", phase}, {"name", name}, {"ts", time_s * 1e6}, {"pid", process}, {"tid", thread}};
+    return {{"ph", phase},
+            {"name", name},
+            {"ts", microseconds(time_s)},
+            {"pid", process},
+            {"tid", thread}};
 }
 
 void add_thread(ordered_json *events, int thread, const std::string &name) {
@@ -53,7 +64,7 @@ ordered_json make_trace(const report_run &run) {
     add_thread(&events, decisions_thread, "decisions");
     for (const report_band &band : run.bands) {
         ordered_json slice = event("X", band.kind, band.from_s, modes_thread);
-        slice["dur"] = (band.to_s - band.from_s) * 1e6;
+        slice["dur"] = microseconds(band.to_s - band.from_s);
         events.push_back(slice);
     }
     for (size_t i = 0; i < run.intervals_us.size(); ++i) {

@@ -20,6 +20,7 @@ using nlohmann::ordered_json;
 
 namespace {
 
+constexpr double least_difference = 0.001;  // below it neither of two figures is the better
 constexpr char data_place[] = "<!--DATA-->";
 
 int fail(const std::string &reason) {
@@ -124,7 +125,7 @@ ordered_json describe_differences(const ordered_json &first, const ordered_json 
         const double a = first["figures"][figure.key].get<double>() * figure.scale;
         const double b = second["figures"][figure.key].get<double>() * figure.scale;
         const double size = std::fabs(b - a) / std::max({std::fabs(a), std::fabs(b), 1e-9});
-        const double by = (b - a) * figure.better;
+        const double by = size < least_difference ? 0 : (b - a) * figure.better;
         rows.push_back({size,
                         {{"name", figure.name},
                          {"unit", figure.unit},

@@ -120,10 +120,14 @@ std::string describe_verdict(const report_run &run) {
     const double with_fps = 1e6 * static_cast<double>(run.lowered) / run.lowered_us;
     const double without_fps =
         1e6 * static_cast<double>(count - run.lowered) / (whole_us - run.lowered_us);
-    snprintf(text, sizeof(text),
-             "caps were lowered %.0f %% of the time: %.1f fps then, %.1f with full caps, %.1f %s",
-             share, with_fps, without_fps, std::fabs(without_fps - with_fps),
-             with_fps <= without_fps ? "less" : "more");
+    const int length = snprintf(
+        text, sizeof(text),
+        "caps were lowered %.0f %% of the frames' time: %.1f fps then, %.1f with full caps", share,
+        with_fps, without_fps);
+    const double less = without_fps - with_fps;
+    if (std::fabs(less) >= 0.05)  // else the figures are the same
+        snprintf(text + length, sizeof(text) - static_cast<size_t>(length), ", %.1f %s",
+                 std::fabs(less), less > 0 ? "less" : "more");
     return text;
 }
 

@@ -147,8 +147,8 @@ std::string describe_activity(const daemon_state &after, const moment &now) {
     if (moment_line(now, line_activity_new) != nullptr)
         return name + "new to the analyser";
     const auto known = after.activities.find(after.activity);
-    return name + "known, with " +
-           std::to_string(known != after.activities.end() ? known->second.scenes : 0) + " scenes";
+    const int scenes = known != after.activities.end() ? known->second.scenes : 0;
+    return name + "known, with " + std::to_string(scenes) + (scenes == 1 ? " scene" : " scenes");
 }
 
 // A step of the caps that a log tells of by its cause alone.

@@ -13,64 +13,6 @@
 
 namespace {
 
-TEST_F(Tool, NamesTheWrongWord) {
-    const std::pair<const char *, const char *> wrong[] = {
-        {"game maybe", "maybe"},
-        {"raw powerhal x", "x"},
-        {"raw powerhal 4 1 --text a", "--text"},
-        {"device panel dim", "dim"},
-        {"device frames - --rate slow", "slow"},
-        {"frames", "FILE"},
-        {"frames --unit h x", "h not in"},
-        {"", "ubcommand"},
-        {"lpm 3", "0 to 2"},
-        {"game on --fps 241", "240"},
-        {"tmr 0", "1 to"},
-        {"why --root ''", "DVXD_ROOT"},
-        {"status --root ''", "DVXD_ROOT"},
-        {"events 999", "no event is named '999'"},
-        {"raw a-name-of-20-letters 0", "19 characters"},
-        {"device lift", "unknown word 'lift'; see dvxctl device --help"},
-        {"gmae on", "did you mean 'game'?; see dvxctl --help"},
-        {"device crate", "did you mean 'create'?; see dvxctl device --help"},
-        {"game on --fsp 4", "did you mean '--fps'?; see dvxctl game --help"}};
-    for (const auto &[words, named] : wrong)
-        expect_refused(2, words, named);
-    for (const char *words :
-         {"--help", "game --help", "device --help", "device frames --help", "--version"})
-        EXPECT_EQ(dvxctl(words).status, 0) << words;
-    EXPECT_EQ(dvxctl("events >/dev/full").status, 1);
-    for (const char *words : {"touch", "game on", "device panel on", "device stop"})
-        expect_refused(3, words, "no daemon");
-}
-
-TEST_F(Tool, SaysWhatFrameFilesHold) {
-    const std::string path = device.root + "/capture.csv";
-    std::ofstream(path) << "Frametime (ms),x\n10,1\n20,1\n10,1\nNA,1\n";
-    EXPECT_EQ(dvxctl("frames " + path).output,
-              path +
-                  ": CSV, column Frametime (ms) in ms\n"
-                  "  3 intervals in 0.04 s; 1 rows left out: 1 without a number ('NA' in line 5)\n"
-                  "  frames per second: mean 75.00, median 100.00, 1 % low 50.00, 0.1 % low "
-                  "50.00\n"
-                  "  median 10.000 ms; above 1.5 x the median 1 frames, above 2 x 0\n");
-    const outcome json = dvxctl("frames --json - " + path + "x " + path, "16.7\\n16.7\\n");
-    EXPECT_EQ(json.status, 2);
-    EXPECT_TRUE(json.output.starts_with("{\"file\":\"-\",\"format\":\"one number a line\""));
-    EXPECT_NE(json.output.find("capture.csvx: No such file or directory\n{\"file\":\""),
-              std::string::npos)
-        << json.output;
-    EXPECT_NE(json.output.find("\"left_out\":1"), std::string::npos) << json.output;
-    EXPECT_NE(json.output.find("\"median_us\":10000.0,\"fps_mean\":75.0"), std::string::npos)
-        << json.output;
-    for (const std::string words : {"frames ", "device frames ", "play "}) {
-        const outcome directory = dvxctl(words + device.root);
-        EXPECT_EQ(directory.status, 2) << words;
-        EXPECT_NE(directory.output.find(device.root + ": a directory"), std::string::npos);
-        EXPECT_EQ(std::count(directory.output.begin(), directory.output.end(), '\n'), 1);
-    }
-}
-
 // Timers and the thermal engine on a device.
 TEST_F(Tool, PlaysAScenarioInRealTime) {
     const outcome played = dvxctl("play /dev/stdin --time real", R"(= time is kept

@@ -205,6 +205,12 @@ void add_lab_commands(CLI::App *app, const std::string *, int *exit_code) {
     CLI::App *table = lab->add_subcommand("table", "Write the daemon's table with these figures");
     table->add_option("--out", given->out, "The source file")->required();
     add_set_option(table, given.get());
+    std::string shared;
+    for (const CLI::Option *option : lab->get_options())
+        if (option != lab->get_help_ptr())
+            shared += (shared.empty() ? "" : ", ") + option->get_name();
+    search->footer("What dvxctl lab takes holds too: " + shared + ".");
+    merge->footer("With --json an object, as of search.");
     for (CLI::App *command : {search, merge, table})
         command->fallthrough();
     lab->callback([=] {

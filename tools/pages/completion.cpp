@@ -50,12 +50,25 @@ std::string path_of(const CLI::App *command) {
                : path_of(command->get_parent()) + " " + command->get_name();
 }
 
+// The options of a command, and of those above it but the first that it passes words on to.
+std::vector<const CLI::Option *> options_of(const CLI::App *command) {
+    std::vector<const CLI::Option *> options = command->get_options();
+    for (const CLI::App *each = command; each->get_fallthrough(); each = each->get_parent()) {
+        if (each->get_parent() == nullptr || each->get_parent()->get_parent() == nullptr)
+            break;
+        for (const CLI::Option *option : each->get_parent()->get_options())
+            if (!option->get_positional() && option != each->get_parent()->get_help_ptr())
+                options.push_back(option);
+    }
+    return options;
+}
+
 // What may follow a command: its commands, options, and the values of what it takes.
 std::vector<std::string> words_behind(const CLI::App *command) {
     std::vector<std::string> words;
     for (const CLI::App *each : command_line_below(command))
         words.push_back(each->get_name());
-    for (const CLI::Option *option : command->get_options())
+    for (const CLI::Option *option : options_of(command))
         for (const std::string &word :
              option->get_positional() ? values_of(option) : names_of(option))
             words.push_back(word);
@@ -74,7 +87,7 @@ std::vector<std::string> words_behind(const CLI::App *command) {
 void add_cases(const CLI::App *command, std::string *paths, std::string *words,
                std::string *values) {
     *words += case_of(path_of(command), words_behind(command));
-    for (const CLI::Option *option : command->get_options())
+    for (const CLI::Option *option : options_of(command))
         for (const std::string &name : names_of(option))
             if (!option->get_type_name().empty())
                 *values += case_of(path_of(command) + " " + name, values_of(option));

@@ -101,6 +101,10 @@ std::string list_options(const CLI::App *command) {
     return text + ".El\n";
 }
 
+std::string footer_of(const CLI::App *command) {
+    return command->get_footer().empty() ? "" : ".Pp\n" + sentence(command->get_footer());
+}
+
 std::string list_commands(const CLI::App *command) {
     const std::vector<const CLI::App *> commands = command_line_below(command);
     if (commands.empty())
@@ -141,6 +145,6 @@ std::string man_page(const CLI::App *command, const std::string &date) {
         what.pop_back();
     return ".Dd " + date + "\n.Dt " + title + " 1\n.Os\n.Sh NAME\n.Nm " + name + "\n.Nd " +
            plain(what) + "\n" + synopsis(command) + ".Sh DESCRIPTION\n" +
-           sentence(command->get_description()) + list_options(command) + list_commands(command) +
-           list_exit_meanings() + see_also(command);
+           sentence(command->get_description()) + list_options(command) + footer_of(command) +
+           list_commands(command) + list_exit_meanings() + see_also(command);
 }

@@ -65,6 +65,8 @@ int explain(const std::string &root, const frame_run &run, size_t all) {
         return fail_without_device(root);
     if (run.error == -ENXIO)
         return fail("no daemon reads the nodes of " + root);
+    if (run.error == -EBUSY)
+        return fail("frames are being played on " + root + " already");
     const std::string far =
         " after " + std::to_string(run.played) + " of " + std::to_string(all) + " intervals";
     if (run.error == -EPIPE)

@@ -3,6 +3,7 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/file.h>
 #include <sys/ioctl.h>
 #include <time.h>
 #include <unistd.h>
@@ -87,6 +88,11 @@ frame_run frame_play(const std::string &root, const std::vector<int64_t> &interv
     playing now = {device_open_node(root, device_interval_node), {}, told};
     if (now.fd < 0) {
         now.run.error = now.fd;
+        return now.run;
+    }
+    if (flock(now.fd, LOCK_EX | LOCK_NB) != 0) {  // until the end, whoever plays and ends how
+        now.run.error = -EBUSY;
+        close(now.fd);
         return now.run;
     }
     // A daemon that does not read must not hold us: room is waited for, with a limit.

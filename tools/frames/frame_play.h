@@ -12,6 +12,7 @@ struct frame_run {
     size_t played = 0;
     double played_us = 0;      // as recorded
     int error = 0;             // negative errno value; -ENXIO: no daemon reads the node,
+                               // -EBUSY: somebody plays already,
                                // -ETIMEDOUT: it has taken none for `frame_patience_ms`
     bool interrupted = false;  // by who is told
 };

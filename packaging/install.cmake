@@ -88,8 +88,8 @@ foreach(package tools:dvxd-tools client:libdvx-client-dev)
     set(folder ${CMAKE_CURRENT_BINARY_DIR}/doc/${name})
     add_custom_command(OUTPUT ${folder}/changelog.gz
         COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
-        COMMAND ${GZIP} -9n < CHANGELOG.md > ${folder}/changelog.gz
-        DEPENDS CHANGELOG.md WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
+        COMMAND sh -c "scripts/debian-changelog ${name} '${CPACK_PACKAGE_CONTACT}' | ${GZIP} -9n > ${folder}/changelog.gz"
+        DEPENDS CHANGELOG.md scripts/debian-changelog VERBATIM WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
     add_custom_target(changelog_${component} DEPENDS ${folder}/changelog.gz)
     list(APPEND changelogs changelog_${component})
     install(FILES ${folder}/changelog.gz packaging/debian/copyright

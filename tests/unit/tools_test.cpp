@@ -3,6 +3,7 @@
 
 #include <sstream>
 
+#include "tools/effects.h"
 #include "tools/messages.h"
 #include "tools/scenario.h"
 #include "tools/terminal.h"
@@ -26,6 +27,39 @@ TEST(Timeline, ReadsTheDaemonsLog) {
     EXPECT_EQ(event.time_ns - exact.time_ns, 999000 - 456000);
     EXPECT_EQ(parse_daemon_line("11-22 19:32:10.123 1 1 I Quorvel : EV : 77", 0).text, "77 ?");
     EXPECT_EQ(parse_daemon_line("something else", 7).time_ns, 7);
+}
+
+// What a call changes is told once, from the values of a daemon that has just started.
+TEST(Effects, AreWhatIsOtherThanBefore) {
+    effects present = make_effects();
+    const auto told = [&](timeline_kind kind, const char *text) {
+        timeline_entry entry;
+        entry.kind = kind;
+        entry.text = text;
+        const effect now = note_effect(&present, entry);
+        return now.setting + ": " + now.before + " -> " + now.value + now.unit;
+    };
+    const std::pair<const char *, const char *> calls[] = {
+        {"request_fps 45", "display: 60 -> 45 frames per second"},
+        {"request_fps 45", ":  -> "},
+        {"set_tmk_freq TMK_GPU 414000000", "cap of TMK_GPU: 710 -> 414 MHz"},
+        {"set_tmk_freq TMK_CLUSTER0 1612800", "cap of TMK_CLUSTER0: 1766.4 -> 1612.8 MHz"},
+        {"request_image_engine_mode 1", "image engine: mode 0 -> mode 1"},
+        {"enable_thermal_config LPM_FREQ 0", ":  -> "},
+        {"enable_thermal_config LPM_FREQ 1", "thermal configuration LPM_FREQ: off -> on"},
+        {"request_tmr_2cluster 0 0", "thermal mitigation: released -> requested"},
+        {"request_tmr_2cluster 4294967295 4294967295", "thermal mitigation: requested -> released"},
+        {"request_fbcn_en 0", "frame interval reports: on -> off"},
+        {"request_fbcn_i_thresh 1 1", "frame intervals: wanted -> not wanted"},
+        {"request_osprin_control 1", "osprin: off -> on"},
+        {"set_osprin_gov_state 2", "osprin governor:  -> 2"},
+        {"init_hw_fps_control", ":  -> "}};
+    for (const auto &[call, change] : calls)
+        EXPECT_EQ(told(timeline_hardware, call), change) << call;
+    EXPECT_EQ(told(timeline_service, "merlak service  10 no game"),
+              "merlak service, 10 no:  -> 10 no game");
+    EXPECT_EQ(told(timeline_property, "sys.zuv.vtmode 1"), "property sys.zuv.vtmode: 0 -> 1");
+    EXPECT_EQ(told(timeline_log, "request_fps 30"), ":  -> ");
 }
 
 TEST(Terminal, FoldsLinesAtBlanks) {

@@ -107,6 +107,7 @@ TEST(ScenarioFiles, NameTheLineThatIsWrong) {
         {"= a\ntouch | log \"x\n", "line 2: a quote is not closed"},
         {"= a\ntouch | event intercation\n", "line 2: no event is named"},
         {"= a\ntouch | no hw requset_fps\n", "line 2: no library call is named"},
+        {"= a\nanswer requset_fps 1\nstart | nothing\n", "line 2: no library call is named"},
         {"= a\nfailing thread nobody\nstart | nothing\n", "line 2: failing wants"},
         {"= a\ntouch\nwithout request_fps | nothing\n", "line 3: this stands before"},
         {"= a\nframes 999999999999 1 | nothing\n", "line 2: frames wants"},

@@ -26,9 +26,9 @@ std::string name_processor(GElf_Half machine) {
 
 void read_symbols(Elf *elf, Elf_Scn *section, const GElf_Shdr &header, elf_symbols *read) {
     Elf_Data *data = elf_getdata(section, nullptr);
-    const size_t count =
+    const uint64_t count =
         data != nullptr && header.sh_entsize != 0 ? data->d_size / header.sh_entsize : 0;
-    for (size_t index = 0; index < count; ++index) {
+    for (uint64_t index = 0; index < count; ++index) {
         GElf_Sym symbol;
         if (gelf_getsym(data, static_cast<int>(index), &symbol) == nullptr ||
             symbol.st_shndx == SHN_UNDEF || GELF_ST_BIND(symbol.st_info) == STB_LOCAL)

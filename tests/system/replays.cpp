@@ -23,7 +23,7 @@
 namespace {
 
 constexpr unsigned clients = 2;
-constexpr long messages_wanted = 10000;
+constexpr unsigned messages_wanted = 10000;
 constexpr long intervals_wanted = 1000000;
 constexpr long quiet_intervals = 300000;
 constexpr int start_patience_ms = 30000;
@@ -34,7 +34,7 @@ constexpr useconds_t settle_us = 1500000;  // timers that are armed run out
 void send_messages(unsigned seed, std::atomic<long> *unanswered) {
     constexpr size_t longest = 8;
     std::minstd_rand random(seed);
-    for (long i = 0; i < messages_wanted / clients; ++i) {
+    for (unsigned i = 0; i < messages_wanted / clients; ++i) {
         const std::vector<uint8_t> bytes = random_bytes(&random, longest);
         byte_source from = {bytes.data(), bytes.size()};
         const dvx_message message = something_to_tell(&from);

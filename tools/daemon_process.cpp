@@ -1,7 +1,5 @@
 #include "tools/daemon_process.h"
 
-#include <string.h>
-
 #include <algorithm>
 #include <filesystem>
 
@@ -55,9 +53,13 @@ int daemon_process(const std::string &root) {
     return 0;
 }
 
+std::string process_stat(int process) {
+    const std::string stat = device_read_file("/proc/" + std::to_string(process) + "/stat");
+    const size_t behind_name = stat.rfind(") ");
+    return behind_name != std::string::npos ? stat.substr(behind_name + 2) : "";
+}
+
 bool process_is_stopped(int process) {
-    const std::string status = device_read_file("/proc/" + std::to_string(process) + "/stat");
-    const size_t state = status.rfind(") ");
-    return state != std::string::npos && state + 2 < status.size() &&
-           strchr("Tt", status[state + 2]) != nullptr;
+    const std::string stat = process_stat(process);
+    return stat.starts_with('T') || stat.starts_with('t');
 }

@@ -13,5 +13,9 @@ std::string process_environment(int process, const std::string &name);
 // Whether a process is in the network that this program is in, as far as is shown to us.
 bool process_shares_network(int process);
 
+// What /proc/PID/stat says of a process behind its name: its state, its parent and so on; empty
+// where there is none.
+std::string process_stat(int process);
+
 // Whether a process stands still, as after SIGSTOP or under a debugger.
 bool process_is_stopped(int process);

@@ -3,6 +3,7 @@
 #include <stdlib.h>
 
 #include "tools/why/sentences.h"
+#include "tools/words.h"
 
 namespace {
 
@@ -148,7 +149,7 @@ std::string describe_activity(const daemon_state &after, const moment &now) {
         return name + "new to the analyser";
     const auto known = after.activities.find(after.activity);
     const int scenes = known != after.activities.end() ? known->second.scenes : 0;
-    return name + "known, with " + std::to_string(scenes) + (scenes == 1 ? " scene" : " scenes");
+    return name + "known, with " + counted(static_cast<size_t>(scenes), "scene");
 }
 
 // A step of the caps that a log tells of by its cause alone.

@@ -36,13 +36,10 @@ struct status {
 
 // Seconds since a process started.
 double process_age_s(int process) {
-    const std::string stat = device_read_file("/proc/" + std::to_string(process) + "/stat");
     long long ticks = 0;
     constexpr char start_field[] =
         "%*c %*d %*d %*d %*d %*d %*u %*u %*u %*u %*u %*u %*u %*d %*d %*d %*d %*d %*d %lld";
-    const size_t behind_name = stat.rfind(')');
-    if (behind_name == std::string::npos ||
-        sscanf(stat.c_str() + behind_name + 2, start_field, &ticks) != 1)
+    if (sscanf(process_stat(process).c_str(), start_field, &ticks) != 1)
         return 0;
     double up_s = 0;
     sscanf(device_read_file("/proc/uptime").c_str(), "%lf", &up_s);

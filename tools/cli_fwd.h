@@ -4,5 +4,6 @@
 
 namespace CLI {
 class App;
+class Option;
 class Validator;
 }  // namespace CLI

@@ -92,6 +92,16 @@ std::vector<const CLI::App *> command_line_below(const CLI::App *command) {
     return command->get_subcommands([](const CLI::App *) { return true; });
 }
 
+std::vector<const CLI::Option *> command_line_shared(const CLI::App *command) {
+    std::vector<const CLI::Option *> shared;
+    for (const CLI::App *above = command->get_parent();
+         above != nullptr && above->get_parent() != nullptr; above = above->get_parent())
+        for (const CLI::Option *option : above->get_options())
+            if (!option->get_positional() && option != above->get_help_ptr())
+                shared.push_back(option);
+    return shared;
+}
+
 void command_line_needs_root(CLI::App *command) {
     command->preparse_callback([](size_t) { root_is_needed = true; });
 }

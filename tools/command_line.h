@@ -17,6 +17,9 @@ void command_line_build(CLI::App *app, std::string *root, int *exit_code,
 // The commands directly below one, in the order of its help.
 std::vector<const CLI::App *> command_line_below(const CLI::App *command);
 
+// The options of the commands above one, which hold for it too; not those of dvxctl itself.
+std::vector<const CLI::Option *> command_line_shared(const CLI::App *command);
+
 // The command and what stands below it are of no use without a root.
 void command_line_needs_root(CLI::App *command);
 

@@ -33,11 +33,6 @@ struct arguments {
     bool why = false;
 };
 
-int fail(const std::string &reason) {
-    fprintf(stderr, "dvxctl: %s\n", reason.c_str());
-    return exit_status_of(reason);
-}
-
 int create(const std::string &root) {
     const std::string error = device_create(root, device_image_path());
     if (!error.empty())

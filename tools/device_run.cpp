@@ -3,7 +3,6 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <signal.h>
-#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/file.h>
@@ -62,10 +61,8 @@ std::string explain_failed_start(const std::string &root) {
 }  // namespace
 
 int fail_without_device(const std::string &root) {
-    fprintf(stderr,
-            "dvxctl: %s is not a virtual device; lay one out with dvxctl --root %s device create\n",
-            root.c_str(), shell_quoted(root).c_str());
-    return exit_input;
+    return refuse(root + " is not a virtual device; lay one out with dvxctl --root " +
+                  shell_quoted(root) + " device create");
 }
 
 std::string start_device(const std::string &root, bool die_with_me, int *pid) {

@@ -23,7 +23,9 @@ constexpr exit_meaning exit_meanings[] = {
     {130, "interrupted while frames were played"},
 };
 
-// The status that goes with a reason in words, which begins alike wherever no daemon runs.
-inline int exit_status_of(const std::string &reason) {
-    return reason.starts_with("no daemon") ? exit_no_daemon : exit_found;
-}
+// Says why a command ends without having done it. The exit status: the reason's, which begins alike
+// wherever no daemon runs.
+int fail(const std::string &reason);
+
+// Says why what a command was given is of no use. The exit status.
+int refuse(const std::string &reason);

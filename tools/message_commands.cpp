@@ -29,10 +29,7 @@ struct arguments {
 
 int send(const dvx_message &message, bool is_text, const std::string &root) {
     const std::string error = deliver_message(message, is_text, root);
-    if (error.empty())
-        return 0;
-    fprintf(stderr, "dvxctl: %s\n", error.c_str());
-    return exit_status_of(error);
+    return error.empty() ? 0 : fail(error);
 }
 
 int print_events(const std::vector<std::string> &wanted, bool json) {

@@ -84,10 +84,8 @@ int watch_device(const std::string &root, bool brief, bool why) {
     watcher wake = {-1, -1, 0, -1, false};
     if (!device_exists(root))
         return fail_without_device(root);
-    if (!watch_folders(&wake, root)) {
-        fprintf(stderr, "dvxctl: cannot watch %s: %s\n", root.c_str(), strerror(errno));
-        return exit_found;
-    }
+    if (!watch_folders(&wake, root))
+        return fail("cannot watch " + root + ": " + strerror(errno));
     timeline line = timeline_open(root);
     timeline_printer printer = make_timeline_printer(&line, brief, why);
     note_conf(&printer);

@@ -39,11 +39,6 @@ void note_interrupt(int) {
     interrupted = 1;
 }
 
-int fail(const std::string &reason) {
-    fprintf(stderr, "dvxctl: %s\n", reason.c_str());
-    return exit_status_of(reason);
-}
-
 // The line on a terminal that is written over and over.
 struct progress {
     bool shown;

@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "tools/command_line.h"
 #include "tools/exit_status.h"
 #include "tools/frames/frame_file.h"
 #include "tools/lab/results.h"
@@ -33,11 +34,6 @@ struct arguments {
     lab_setup setup;
     search_options search;
 };
-
-int fail(const std::string &reason) {
-    fprintf(stderr, "dvxctl: %s\n", reason.c_str());
-    return exit_input;
-}
 
 // Keeps the games that were asked for. Empty, or what is wrong.
 std::string choose_games(const std::vector<std::string> &names, std::vector<game_work> *games) {
@@ -103,11 +99,11 @@ std::string prepare(arguments *given) {
 int run_lab(arguments *given) {
     const std::string wrong = prepare(given);
     if (!wrong.empty())
-        return fail(wrong);
+        return refuse(wrong);
     const std::vector<game_result> results = lab_run(given->setup);
     for (const game_result &result : results)
         if (!result.error.empty())
-            return fail(result.game + ": the simulated daemon " + result.error);
+            return refuse(result.game + ": the simulated daemon " + result.error);
     if (given->json)
         for (const game_result &result : results)
             printf("%s\n", lab_describe(result).dump().c_str());
@@ -121,7 +117,7 @@ int run_lab(arguments *given) {
 int run_search(arguments *given) {
     const std::string wrong = prepare(given);
     if (!wrong.empty())
-        return fail(wrong);
+        return refuse(wrong);
     given->search.json = given->json;
     return search_command(given->setup, given->search);
 }
@@ -129,12 +125,12 @@ int run_search(arguments *given) {
 int write_table(arguments *given) {
     const std::string wrong = prepare(given);
     if (!wrong.empty())
-        return fail(wrong);
+        return refuse(wrong);
     std::ofstream out(given->out);
     out << figures_source(given->setup.figures);
     out.close();
     if (!out)
-        return fail("cannot write " + given->out);
+        return refuse("cannot write " + given->out);
     printf("%s: the daemon's table; it takes the place of src/fia/freq_tables.cpp\n",
            given->out.c_str());
     return 0;
@@ -206,13 +202,10 @@ void add_lab_commands(CLI::App *app, const std::string *, int *exit_code) {
     table->add_option("--out", given->out, "The source file")->required();
     add_set_option(table, given.get());
     std::string shared;
-    for (const CLI::Option *option : lab->get_options())
-        if (option != lab->get_help_ptr())
-            shared += (shared.empty() ? "" : ", ") + option->get_name();
+    for (const CLI::Option *option : command_line_shared(search))
+        shared += (shared.empty() ? "" : ", ") + option->get_name();
     search->footer("What dvxctl lab takes holds too: " + shared + ".");
     merge->footer("With --json an object, as of search.");
-    for (CLI::App *command : {search, merge, table})
-        command->fallthrough();
     lab->callback([=] {
         if (search->parsed())
             *exit_code = run_search(given.get());

@@ -43,10 +43,6 @@ constexpr column columns[] = {
     {"settle", "s", 0, false, false, [](const game_result &of) { return of.capped.settle_s; }},
 };
 
-double lost(const game_result &result) {
-    return result.free.fps - result.capped.fps;
-}
-
 std::vector<const column *> columns_for(size_t terminal) {
     const bool all = terminal == 0 || terminal >= name_width + column_width * std::size(columns);
     std::vector<const column *> chosen;
@@ -95,10 +91,11 @@ void print_results(const std::vector<game_result> &results) {
     print_heading(chosen);
     double worst = 0;
     for (const game_result &result : results)
-        worst = std::max(worst, lost(result));
+        worst = std::max(worst, lab_fps_lost(result));
     bool left = false;
     for (const game_result &result : results) {
-        const bool marked = lost(result) >= 1 || (lost(result) == worst && worst > 0.05);
+        const double lost = lab_fps_lost(result);
+        const bool marked = lost >= 1 || (lost == worst && worst > 0.05);
         print_row(marked ? "> " : "  ", result.game, chosen, {result});
         if (result.caps_left)
             printf("  %s: a cap was left behind after the game\n", result.game.c_str());

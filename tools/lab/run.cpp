@@ -283,6 +283,10 @@ std::vector<game_result> lab_run(const lab_setup &setup) {
     return results;
 }
 
+double lab_fps_lost(const game_result &result) {
+    return result.free.fps - result.capped.fps;
+}
+
 double lab_energy_saved(const game_result &result) {
     // With fewer frames less is spent: what counts is a frame's energy.
     const double free = result.free.energy_mj / result.free.fps;

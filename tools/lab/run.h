@@ -44,6 +44,9 @@ struct game_result {
 // Runs the games, each in a process of its own.
 std::vector<game_result> lab_run(const lab_setup &setup);
 
+// Frames per second that caps cost.
+double lab_fps_lost(const game_result &result);
+
 // Energy that caps save, as a share of that without them.
 double lab_energy_saved(const game_result &result);
 

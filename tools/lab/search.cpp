@@ -23,11 +23,6 @@ constexpr uint64_t grid_max = 1000000;
 
 using figure_set = std::vector<int64_t>;  // a value a figure that is varied
 
-int fail(const std::string &reason) {
-    fprintf(stderr, "dvxctl: %s\n", reason.c_str());
-    return exit_input;
-}
-
 uint64_t count_values(const varied_figure &figure) {
     return static_cast<uint64_t>((figure.high - figure.low) / figure.step) + 1;
 }
@@ -90,7 +85,7 @@ ordered_json try_set(lab_setup setup, const ordered_json &set) {
     for (const game_result &result : lab_run(setup)) {
         if (!result.error.empty())
             return {{"set", set}, {"error", result.game + ": " + result.error}};
-        const double loss = result.free.fps - result.capped.fps;
+        const double loss = lab_fps_lost(result);
         saved += lab_energy_saved(result);
         lost += loss;
         left |= result.caps_left;
@@ -244,23 +239,23 @@ int search_command(const lab_setup &setup, const search_options &options) {
     for (const std::string &text : options.vary) {
         const std::string wrong = varied_figure_read(text, &figures.emplace_back());
         if (!wrong.empty())
-            return fail("--vary: " + wrong);
+            return refuse("--vary: " + wrong);
     }
     unsigned shard = 0;
     unsigned shards = 0;
     int end = 0;
     if (sscanf(options.shard.c_str(), "%u/%u%n", &shard, &shards, &end) != 2 ||
         static_cast<size_t>(end) != options.shard.size() || shard < 1 || shard > shards)
-        return fail("--shard is K/N with K from 1 to N, not '" + options.shard + "'");
+        return refuse("--shard is K/N with K from 1 to N, not '" + options.shard + "'");
     std::vector<ordered_json> tried;
     if (!options.out.empty()) {
         const std::string wrong = read_tried(options.out, &tried);
         if (!wrong.empty())
-            return fail(wrong);
+            return refuse(wrong);
         for (const ordered_json &each : tried) {
             const std::string other = check_tried(each, setup, figures);
             if (!other.empty())
-                return fail(options.out + " is of another search: " + other);
+                return refuse(options.out + " is of another search: " + other);
         }
     }
     std::ofstream out;
@@ -269,7 +264,7 @@ int search_command(const lab_setup &setup, const search_options &options) {
         for (const ordered_json &each : tried)
             out << each.dump() << std::endl;
         if (!out)
-            return fail("cannot write " + options.out);
+            return refuse("cannot write " + options.out);
     }
     const std::vector<figure_set> sets =
         draw_sets(figures, setup.figures, options.samples, setup.seed);
@@ -299,10 +294,10 @@ int merge_command(const std::vector<std::string> &paths, double max_loss, bool j
     std::vector<ordered_json> tried;
     for (const std::string &path : paths) {
         if (access(path.c_str(), R_OK) != 0)
-            return fail("cannot read " + path);
+            return refuse("cannot read " + path);
         const std::string wrong = read_tried(path, &tried);
         if (!wrong.empty())
-            return fail(wrong);
+            return refuse(wrong);
     }
     std::set<std::string> sets;  // what two shards have tried counts once
     std::erase_if(tried, [&](const ordered_json &each) {

@@ -50,16 +50,10 @@ std::string path_of(const CLI::App *command) {
                : path_of(command->get_parent()) + " " + command->get_name();
 }
 
-// The options of a command, and of those above it but the first that it passes words on to.
 std::vector<const CLI::Option *> options_of(const CLI::App *command) {
     std::vector<const CLI::Option *> options = command->get_options();
-    for (const CLI::App *each = command; each->get_fallthrough(); each = each->get_parent()) {
-        if (each->get_parent() == nullptr || each->get_parent()->get_parent() == nullptr)
-            break;
-        for (const CLI::Option *option : each->get_parent()->get_options())
-            if (!option->get_positional() && option != each->get_parent()->get_help_ptr())
-                options.push_back(option);
-    }
+    for (const CLI::Option *option : command_line_shared(command))
+        options.push_back(option);
     return options;
 }
 

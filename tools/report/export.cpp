@@ -145,10 +145,8 @@ std::string make_tables(const report_run &run) {
 
 int export_command(const std::string &path, const std::string &to, const std::string &out) {
     std::error_code error;
-    if (std::filesystem::equivalent(path, out, error)) {
-        fprintf(stderr, "dvxctl: %s is the recording itself\n", out.c_str());
-        return exit_input;
-    }
+    if (std::filesystem::equivalent(path, out, error))
+        return refuse(out + " is the recording itself");
     report_run run;
     const moment_source source = moments_of_file(
         path, [&](const moment_source &begun) { run = report_begin(begun.figures); },

@@ -23,11 +23,6 @@ namespace {
 constexpr double least_difference = 0.001;  // below it neither of two figures is the better
 constexpr char data_place[] = "<!--DATA-->";
 
-int fail(const std::string &reason) {
-    fprintf(stderr, "dvxctl: %s\n", reason.c_str());
-    return exit_input;
-}
-
 // The run that a recording, or a log, tells of. Empty, or what is wrong.
 std::string read_run(const std::string &path, report_run *run) {
     const moment_source source = moments_of_file(
@@ -155,22 +150,22 @@ std::string page_json(const ordered_json &data) {
 
 int report_command(const report_options &options) {
     if (options.files.size() > 2 || (options.files.size() == 2 && !options.settings.empty()))
-        return fail("a report shows one recording or two, or one with --set");
+        return refuse("a report shows one recording or two, or one with --set");
     std::error_code error;
     for (const std::string &file : options.files)
         if (std::filesystem::equivalent(file, options.out, error))
-            return fail(options.out + " is the recording itself");
+            return refuse(options.out + " is the recording itself");
     std::vector<report_run> runs(options.files.size());
     for (size_t i = 0; i < runs.size(); ++i) {
         const std::string wrong = read_run(options.files[i], &runs[i]);
         if (!wrong.empty())
-            return fail(wrong);
+            return refuse(wrong);
     }
     if (!options.settings.empty()) {
         const std::string wrong =
             replay_run(options.files[0], options.settings, &runs.emplace_back());
         if (!wrong.empty())
-            return fail(wrong);
+            return refuse(wrong);
     }
     ordered_json data = {{"runs", ordered_json::array()}};
     for (const report_run &run : runs)
@@ -180,15 +175,13 @@ int report_command(const report_options &options) {
     std::string page = device_read_file(sibling_program("../share/dvxd/report.html"));
     const size_t place = page.find(data_place);
     if (place == std::string::npos)
-        return fail("the page of reports is not installed beside this program");
+        return refuse("the page of reports is not installed beside this program");
     page.replace(place, sizeof(data_place) - 1, page_json(data));
     std::ofstream out(options.out, std::ios::binary);
     out << page;
     out.close();
-    if (!out) {
-        fail("cannot write " + options.out);
-        return exit_found;
-    }
+    if (!out)
+        return fail("cannot write " + options.out);
     for (size_t i = 0; i < runs.size(); ++i)
         printf("%s: %s; %s\n", options.out.c_str(), runs[i].title.c_str(),
                data["runs"][i]["verdict"].get<std::string>().c_str());

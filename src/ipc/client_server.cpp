@@ -9,6 +9,7 @@
 #include <atomic>
 #include <new>
 
+#include "core/connection.h"
 #include "core/log.h"
 #include "core/text.h"
 #include "platform/clock.h"
@@ -47,13 +48,13 @@ client_handler find_handler(const char *client) {
 void receive_message(int fd) {
     dvx_message message = {};
     setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &receive_timeout, sizeof(receive_timeout));
-    ssize_t count;
+    long count;
     do
-        count = recv(fd, &message, sizeof(message), 0);
+        count = connection_receive(fd, &message, sizeof(message));
     while (count < 0 && errno == EINTR);  // also when the process was stopped and goes on
     if (count <= 0) {
         log_error("%s recv failed\n", "recv_data_from_client");
-    } else if (count == static_cast<ssize_t>(sizeof(message))) {
+    } else if (count == static_cast<long>(sizeof(message))) {
         recording_begin(recorded_message, &message);
         dispatch_message(&message);
         recording_end();
@@ -104,7 +105,7 @@ void serve_client(int listening_fd) {
         return;
     }
     receive_message(fd);
-    close(fd);
+    connection_close(fd);
 }
 
 void *do_listen_client_fd(void *) {
@@ -132,6 +133,7 @@ int server_init(void) {
             close(fd);
         return -EINVAL;
     }
+    connection_refuse_descriptors(fd);
     server.listening_fd.store(fd, std::memory_order_release);
     if (listen(fd, backlog) != 0)
         log_error("listen error\n");

@@ -12,7 +12,9 @@
 #include <mutex>
 #include <thread>
 
+#include "core/connection.h"
 #include "simulator/allocation.h"
+#include "tests/support/lingering.h"
 #include "tests/support/log_sink.h"
 #include "tests/support/memory.h"
 #include "tests/support/test_device.h"
@@ -86,6 +88,32 @@ TEST_F(Server, TakesExactlyOneMessageAndGivesASilentClientUp) {
     char byte;
     EXPECT_EQ(recv(silent, &byte, 1, 0), 0);  // closed
     close(silent);
+}
+
+// As on a kernel that cannot refuse descriptors: whoever closed them here would wait for a day.
+TEST_F(Server, IsNotHeldUpByDescriptorsBesideAMessage) {
+    lingering_connection();
+    const auto before = open_descriptors();
+    const dvx_message two[2] = {message_of("vrhal", 21, "a"), message_of("vrhal", 5, "b")};
+    for (const size_t carrying : {size_t{0}, size_t{1}}) {
+        const int fd = dvx_client_connect(-1);
+        for (size_t i = 0; i < 2; ++i)
+            EXPECT_EQ(i == carrying ? send_lingering(fd, &two[i], sizeof(two[i]))
+                                    : send(fd, &two[i], sizeof(two[i]), MSG_NOSIGNAL),
+                      static_cast<long>(sizeof(two[i])));
+        serve_client(listening_fd);
+        close(fd);
+    }
+    EXPECT_EQ(served, "21:a 21:a ");
+    EXPECT_EQ(open_descriptors(), before);
+
+    connection_refuse_descriptors(listening_fd);
+    const int fd = dvx_client_connect(-1);
+    send_lingering(fd, &two[1], sizeof(two[1]));  // refused, or as above
+    send_on(fd, &two[0], sizeof(two[0]));
+    serve_client(listening_fd);
+    close(fd);
+    EXPECT_TRUE(served == "21:a 21:a 21:a " || served == "21:a 21:a 5:b ") << served;
 }
 
 TEST_F(Server, SaysWhomItDoesNotKnow) {

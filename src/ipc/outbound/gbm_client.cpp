@@ -3,8 +3,8 @@
 #include <android/log.h>
 #include <errno.h>
 #include <string.h>
-#include <unistd.h>
 
+#include "core/connection.h"
 #include "core/text.h"
 #include "ipc/outbound/outbound.h"
 
@@ -33,7 +33,7 @@ void send_msg_to_gbm(const gbm_message *message) {
     if (outbound_send(fd, message, sizeof(*message)) <= 0)
         __android_log_print(ANDROID_LOG_ERROR, tag,
                             "GBM-Lib-Client: Unable to send request data to fd %d", fd);
-    close(fd);
+    connection_close(fd);
 }
 
 int request_gbm_restoration(uint32_t argument) {

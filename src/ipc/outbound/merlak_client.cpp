@@ -1,8 +1,8 @@
 #include "ipc/outbound/merlak_client.h"
 
 #include <errno.h>
-#include <unistd.h>
 
+#include "core/connection.h"
 #include "core/text.h"
 #include "ipc/outbound/outbound.h"
 
@@ -21,6 +21,6 @@ int request_to_merlak(uint32_t command, uint32_t value) {
     message.command = command;
     message.value = value;
     const long sent = outbound_send(fd, &message, sizeof(message));
-    close(fd);
+    connection_close(fd);
     return sent < 1 ? -EINVAL : 0;
 }

@@ -2,8 +2,8 @@
 
 #include <android/log.h>
 #include <errno.h>
-#include <unistd.h>
 
+#include "core/connection.h"
 #include "core/text.h"
 #include "ipc/outbound/outbound.h"
 
@@ -18,7 +18,7 @@ int request_to_powercontrol_hal(const powercontrol_message *message) {
     if (fd < 0)
         return -EINVAL;
     const long sent = outbound_send(fd, message, sizeof(*message));
-    close(fd);
+    connection_close(fd);
     return sent < 1 ? -EINVAL : 0;
 }
 

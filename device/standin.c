@@ -3,8 +3,10 @@
 #include "standin.h"
 
 #include <dlfcn.h>
+#include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
+#include <signal.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -59,12 +61,18 @@ static void write_call(const char *call) {
         line[length - 1] = '\n';
     }
     device_file(path, sizeof(path), "calls.log");
-    const int fd = open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+    const int fd = open(path, O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0644);
     if (fd < 0)
         return;
-    if (write(fd, line, (size_t)length) != length) {
-        /* A full disk loses the record, not the device. */
-    }
+    /* A full disk, or a limit on the file's size, loses the record and not the device. */
+    sigset_t too_large;
+    sigset_t before;
+    sigemptyset(&too_large);
+    sigaddset(&too_large, SIGXFSZ);
+    pthread_sigmask(SIG_BLOCK, &too_large, &before);
+    if (write(fd, line, (size_t)length) < 0 && errno == EFBIG && !sigismember(&before, SIGXFSZ))
+        sigtimedwait(&too_large, NULL, &(struct timespec){0, 0});
+    pthread_sigmask(SIG_SETMASK, &before, NULL);
     close(fd);
 }
 

@@ -1,7 +1,6 @@
 #include <android/log.h>
 #include <errno.h>
 #include <limits.h>
-#include <signal.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -10,7 +9,9 @@
 #include <time.h>
 #include <unistd.h>
 
+#include "platform/host/held_write.h"
 #include "platform/host/recording.h"
+#include "platform/host/standard_files.h"
 
 namespace {
 
@@ -53,22 +54,16 @@ size_t format_prefix(char *prefix, int priority, const char *tag) {
     return date + static_cast<size_t>(rest);
 }
 
-// Writes what has been gathered. A reader that has gone costs the lines and not the process: the
-// signal of that is taken back, unless the thread holds it back for itself.
+// Writes what has been gathered. A reader that has gone costs the lines and not the process.
 void flush(output *out) {
-    sigset_t pipe_signal;
-    sigset_t before;
-    sigemptyset(&pipe_signal);
-    sigaddset(&pipe_signal, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &pipe_signal, &before);
-    const ssize_t count = write(STDERR_FILENO, out->text, out->used);
-    if (count < 0 && errno == EPIPE && sigismember(&before, SIGPIPE) == 0) {
-        constexpr timespec at_once = {0, 0};
-        sigtimedwait(&pipe_signal, nullptr, &at_once);
-    }
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    const ssize_t count = write_held(STDERR_FILENO, out->text, out->used);
     out->written = count < 0 || out->written < 0 ? -1 : out->written + count;
     out->used = 0;
+}
+
+// Before what else runs before `main`: the log is not to end in the daemon's own socket.
+[[gnu::constructor(101)]] void take_up_standard_files() {
+    standard_files_take_up();
 }
 
 }  // namespace

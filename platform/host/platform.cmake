@@ -2,6 +2,7 @@
 add_library(dvx_platform STATIC
     platform/host/clock.cpp
     platform/host/device_root.cpp
+    platform/host/held_write.cpp
     platform/host/json_text.cpp
     platform/host/kernel_node.cpp
     platform/host/log.cpp
@@ -9,6 +10,7 @@ add_library(dvx_platform STATIC
     platform/host/property_files.cpp
     platform/host/recording.cpp
     platform/host/sockets.cpp
+    platform/host/standard_files.cpp
     platform/host/thread.cpp
     platform/host/turns.cpp)
 target_include_directories(dvx_platform PUBLIC platform/host/include)

@@ -26,7 +26,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr char marker[] = ".dvx-device";
+constexpr char marker[] = ".dvx-device";  // holds hardware.conf as the tools wrote it last
 constexpr char started_line[] = "Halvane Start Successfully.";
 
 // What the stand-ins of a fresh device answer, so that every feature finds what it looks for.
@@ -42,7 +42,13 @@ constexpr char default_debug[] = "1\n";
 bool write_file(const std::string &path, const std::string &content) {
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file << content;
+    file.close();
     return file.good();
+}
+
+// Writes hardware.conf, and beside it what it says, by which a person's changes are known.
+bool write_conf(const std::string &root, const std::string &content) {
+    return write_file(root + device_conf, content) && write_file(root + "/" + marker, content);
 }
 
 std::string directory_of_program() {
@@ -102,6 +108,7 @@ int start_program(const std::string &root, std::vector<std::string> words, const
         dup2(null_fd, STDIN_FILENO);
         dup2(null_fd, STDOUT_FILENO);
         dup2(fd, STDERR_FILENO);
+        close_range(STDERR_FILENO + 1, ~0U, 0);  // the caller's files are not this program's
         setenv("DVXD_ROOT", root.c_str(), 1);
         setenv("DVXD_LOG", "usec", 1);  // so that the timeline can tell causes from effects
         execvp(arguments[0], arguments.data());
@@ -134,7 +141,11 @@ int64_t device_file_size(const std::string &path) {
 void device_set_answer(const std::string &root, const std::string &name, const std::string &value) {
     // The line that comes first counts.
     const std::string rest = device_read_file(root + device_conf);
-    write_file(root + device_conf, name + " = " + value + "\n" + rest);
+    const std::string content = name + " = " + value + "\n" + rest;
+    if (device_conf_is_own(root))
+        write_file(root + device_conf, content);
+    else
+        write_conf(root, content);
 }
 
 std::string sibling_program(const std::string &name) {
@@ -145,7 +156,13 @@ std::string device_image_path(void) {
     return fs::path(directory_of_program()).parent_path().string() + "/device";
 }
 
-std::string device_create(const std::string &root, const std::string &image) {
+bool device_conf_is_own(const std::string &root) {
+    const std::string conf = device_read_file(root + device_conf);
+    return device_exists(root) && conf != default_conf &&
+           conf != device_read_file(root + "/" + marker);
+}
+
+std::string device_create(const std::string &root, const std::string &image, bool keep_conf) {
     std::string refusal = check_replaceable(root);
     if (!refusal.empty())
         return refusal;
@@ -153,24 +170,39 @@ std::string device_create(const std::string &root, const std::string &image) {
         return "a daemon runs on " + root;
     if (device_services_process(root) != 0)
         kill(device_services_process(root), SIGTERM);
+    const bool own_conf = keep_conf && device_conf_is_own(root);
+    device_keep_recording(root);
     std::error_code error;
-    fs::remove_all(root, error);
+    for (const fs::directory_entry &entry : fs::directory_iterator(root, error)) {
+        const bool kept = entry.path() == root + device_previous_recording ||
+                          (own_conf && entry.path() == root + device_conf);
+        if (!error && !kept)
+            fs::remove_all(entry, error);
+    }
+    if (error == std::errc::no_such_file_or_directory)
+        error.clear();
     if (!error)
         fs::create_directories(root + "/properties", error);
     if (!error)
         fs::copy(image, root, fs::copy_options::recursive, error);
     if (error)
         return "cannot lay out " + root + ": " + error.message();
-    if (!write_file(root + "/" + marker, "") || !write_file(root + device_calls_log, "") ||
-        !write_file(root + device_messages_log, "") || !write_file(root + device_daemon_log, "") ||
-        !write_file(root + device_services_log, "") ||
-        !write_file(root + device_conf, default_conf) ||
+    if ((own_conf ? !write_file(root + "/" + marker, "") : !write_conf(root, default_conf)) ||
+        !write_file(root + device_calls_log, "") || !write_file(root + device_messages_log, "") ||
+        !write_file(root + device_daemon_log, "") || !write_file(root + device_services_log, "") ||
         !write_file(root + "/properties/ro.vendor.extension_library",
                     "/vendor/lib64/libqcopt.so\n") ||
         !write_file(root + "/properties/debug.dvxd_log.enable", default_debug) ||
         !create_node(root + device_panel_node) || !create_node(root + device_interval_node))
         return "cannot write below " + root + ": " + strerror(errno);
     return {};
+}
+
+void device_keep_recording(const std::string &root) {
+    if (device_file_size(root + device_recording) == 0)
+        return;
+    std::error_code error;
+    fs::rename(root + device_recording, root + device_previous_recording, error);
 }
 
 bool device_exists(const std::string &root) {

@@ -12,6 +12,7 @@ inline constexpr char device_calls_log[] = "/calls.log";        // what the libr
 inline constexpr char device_messages_log[] = "/messages.log";  // what dvxctl sent
 inline constexpr char device_daemon_log[] = "/dvxd.log";        // standard error of the daemon
 inline constexpr char device_recording[] = "/recording.jsonl";  // what the daemon notes
+inline constexpr char device_previous_recording[] = "/recording.previous.jsonl";
 inline constexpr char device_daemon_pid[] = "/dvxd.pid";
 inline constexpr char device_services_log[] = "/services.log";  // what the daemon told services
 inline constexpr char device_services_pid[] = "/services.pid";
@@ -23,9 +24,17 @@ inline constexpr char device_interval_node[] = "/sys/class/power/fbcn/fbcn_intv"
 // The image of the device that belongs to this program: ../device beside its directory.
 std::string device_image_path(void);
 
-// Lays out a fresh device below `root`, whose earlier device it replaces. An empty text, or what
-// went wrong; a directory that holds something else is left alone.
-std::string device_create(const std::string &root, const std::string &image);
+// Whether the device's hardware.conf is somebody's own, and not as the tools wrote it last.
+bool device_conf_is_own(const std::string &root);
+
+// Lays out a fresh device below `root`, whose earlier device it replaces but for its last recording
+// and, where it is to be kept, a hardware.conf of somebody's own. An empty text, or what went
+// wrong; a directory that holds something else is left alone.
+std::string device_create(const std::string &root, const std::string &image,
+                          bool keep_conf = false);
+
+// Makes room for the recording of another daemon: the last one becomes the previous one.
+void device_keep_recording(const std::string &root);
 
 // Whether a device has been laid out at `root`.
 bool device_exists(const std::string &root);

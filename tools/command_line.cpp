@@ -4,11 +4,13 @@
 #include <signal.h>
 #include <stdio.h>
 #include <string.h>
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "client/dvx_client.h"
+#include "platform/host/standard_files.h"
 #include "tools/exit_status.h"
 #include "tools/words.h"
 
@@ -22,12 +24,16 @@ CLI::App *deepest_command(CLI::App *app) {
     return parsed.empty() ? app : deepest_command(parsed.front());
 }
 
-std::string help_of(CLI::App *command) {
+std::string words_of(const CLI::App *command) {
     std::string words = command->get_name();
     for (const CLI::App *parent = command->get_parent(); parent != nullptr;
          parent = parent->get_parent())
         words.insert(0, parent->get_name() + " ");
-    return "see " + words + " --help";
+    return words;
+}
+
+std::string help_of(const CLI::App *command) {
+    return "see " + words_of(command) + " --help";
 }
 
 // What may stand where an unknown word does: commands, or options behind a dash.
@@ -57,6 +63,13 @@ void explain_wrong_words(CLI::App *app, const CLI::ParseError &error) {
     fprintf(stderr, "dvxctl: unknown word '%s'%s; %s\n", unknown[0].c_str(),
             nearest.empty() ? "" : (", did you mean '" + nearest + "'?").c_str(),
             help_of(command).c_str());
+}
+
+// Files are mapped while they are read: one that somebody makes shorter meanwhile ends the program.
+void end_with_a_cut_file(int) {
+    constexpr char said[] = "dvxctl: a file was cut while it was read\n";
+    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, said, sizeof(said) - 1);
+    _exit(exit_input);
 }
 
 // The exit status of a program that has said everything; what could not be written is a failure.
@@ -107,7 +120,9 @@ void command_line_needs_root(CLI::App *command) {
 }
 
 int command_line_run(int argc, char **argv, const std::vector<add_commands> &groups) {
+    standard_files_take_up();
     signal(SIGPIPE, SIG_IGN);
+    signal(SIGBUS, end_with_a_cut_file);
     std::string root;
     int exit_code = 0;
     CLI::App app;
@@ -119,6 +134,8 @@ int command_line_run(int argc, char **argv, const std::vector<add_commands> &gro
     } catch (const CLI::ParseError &error) {
         explain_wrong_words(&app, error);
         return exit_input;
+    } catch (const std::exception &error) {
+        return fail("internal error in '" + words_of(deepest_command(&app)) + "': " + error.what());
     }
     return finish(exit_code);
 }

@@ -29,15 +29,19 @@ struct arguments {
     std::string time = virtual_time;
     bool stay = false;
     bool all = false;
+    bool fresh = false;
     bool brief = false;
     bool why = false;
 };
 
-int create(const std::string &root) {
-    const std::string error = device_create(root, device_image_path());
+int create(const std::string &root, bool fresh) {
+    const bool keep_conf = !fresh && device_conf_is_own(root);
+    const std::string error = device_create(root, device_image_path(), keep_conf);
     if (!error.empty())
         return fail(error);
     printf("device laid out at %s\n", root.c_str());
+    if (keep_conf)
+        printf("its hardware.conf was changed by hand and stays; --fresh replaces it\n");
     return 0;
 }
 
@@ -92,11 +96,24 @@ int property(const std::string &root, const std::string &name, const std::string
     return 0;
 }
 
+void add_fresh_flag(CLI::App *command, bool *fresh) {
+    command->add_flag("--fresh", *fresh, "Replace a hardware.conf that was changed by hand, too");
+}
+
+// Refuses to lay out a device anew over a hardware.conf of somebody's own. 0 where none is lost.
+int spare_conf(const std::string &root, bool fresh) {
+    if (fresh || !device_conf_is_own(root))
+        return 0;
+    return refuse(root + device_conf +
+                  " was changed by hand; give another --root, or --fresh to replace it");
+}
+
 void add_commands_of_device(CLI::App *parent, const std::string *root, int *exit_code) {
     parent->require_subcommand(1);
-    parent->add_subcommand("create", "Lay out a fresh device")->callback([=] {
-        *exit_code = create(*root);
-    });
+    auto fresh = std::make_shared<bool>(false);
+    CLI::App *create_command = parent->add_subcommand("create", "Lay out a fresh device");
+    add_fresh_flag(create_command, fresh.get());
+    create_command->callback([=] { *exit_code = create(*root, *fresh); });
     parent->add_subcommand("start", "Start dvxd on the device")->callback([=] {
         *exit_code = start(*root);
     });
@@ -152,12 +169,21 @@ void add_device_commands(CLI::App *parent, const std::string *root, int *exit_co
     play->callback([=] {
         if (given->time != virtual_time && root->empty())
             throw CLI::RequiredError("--root or DVXD_ROOT");
-        *exit_code = play_file(given->file, given->only, *root,
-                               parse_speed(given->time, virtual_time), given->all);
+        if (given->time != virtual_time)
+            *exit_code = spare_conf(*root, given->fresh);
+        if (*exit_code == 0)
+            *exit_code = play_file(given->file, given->only, *root,
+                                   parse_speed(given->time, virtual_time), given->all);
     });
     day->add_flag("--stay", given->stay, "Leave device and daemon up");
     day->add_flag("--all", given->all, "Show everything that happens, not what changes in effect");
-    day->callback([=] { *exit_code = play_day(*root, given->stay, given->all); });
+    day->callback([=] {
+        *exit_code = spare_conf(*root, given->fresh);
+        if (*exit_code == 0)
+            *exit_code = play_day(*root, given->stay, given->all);
+    });
+    add_fresh_flag(play, &given->fresh);
+    add_fresh_flag(day, &given->fresh);
     for (CLI::App *command : {device, watch, day})
         command_line_needs_root(command);
 }

@@ -78,6 +78,7 @@ std::string start_device(const std::string &root, bool die_with_me, int *pid) {
     if (!elsewhere)
         setenv("DVXD_RECORD", (std::filesystem::absolute(root).string() + device_recording).c_str(),
                1);
+    device_keep_recording(root);
     *pid = device_start_daemon(root, sibling_program("dvxd"), die_with_me);
     if (*pid < 0)
         return "cannot start dvxd on " + root + ": " + strerror(-*pid);

@@ -15,6 +15,7 @@
 
 #include "device/virtual_device.h"
 #include "ipc/outbound/gbm_client.h"
+#include "tests/support/lingering.h"
 #include "tests/support/load.h"
 #include "tests/support/service_socket.h"
 #include "tests/support/test_device.h"
@@ -58,6 +59,8 @@ bool is_exact(const std::string &root, const scenario &at_rest) {
     return wrong.empty();
 }
 
+long honest_unanswered = 0;
+
 // How long an honest client waits for its message's end, at worst of several.
 double honest_wait_ms(int messages,
                       const dvx_message &message = make_message("powerhal", DVX_CODE_ROTATION,
@@ -65,7 +68,7 @@ double honest_wait_ms(int messages,
     double worst = 0;
     for (int i = 0; i < messages; ++i) {
         const auto before = std::chrono::steady_clock::now();
-        dvx_message_send_and_wait(&message, answer_timeout_ms);
+        honest_unanswered += dvx_message_send_and_wait(&message, answer_timeout_ms) == 0 ? 0 : 1;
         const std::chrono::duration<double, std::milli> waited =
             std::chrono::steady_clock::now() - before;
         worst = std::max(worst, waited.count());
@@ -102,6 +105,26 @@ void repeat(const char *who, int messages, void (*misbehave)(int fd)) {
     other.join();
 }
 
+// Beside a service that answers each message with a descriptor, while the daemon still has the
+// connection where it is quick enough.
+void meet_lingering_service() {
+    const service_socket service(gbm_service);
+    std::atomic<bool> stop = false;
+    std::thread answers([&] {
+        while (!stop) {
+            const int beside = lingering_connection();
+            int fd;
+            while ((fd = accept(service.fd, nullptr, nullptr)) < 0 && !stop) {
+            }
+            send_lingering(fd, "x", 1, beside);
+            close(fd);
+        }
+    });
+    print_wait("a service that sends descriptors which linger for a day", honest_wait_ms(200));
+    stop = true;
+    answers.join();
+}
+
 void meet_hostile_clients() {
     printf("\n| beside an honest client | its longest wait |\n|---|---|\n");
     print_wait("nobody", honest_wait_ms(50));
@@ -113,12 +136,61 @@ void meet_hostile_clients() {
         shutdown(fd, SHUT_WR);
     });
     repeat("one that connects and leaves, without end", 200, [](int) {});
+    repeat("one that sends descriptors which linger for a day", 50, [](int fd) {
+        const dvx_message message = make_message("powerhal", DVX_CODE_ROTATION, {});
+        send_lingering(fd, &message, sizeof(message));
+    });
+    meet_lingering_service();
     const service_socket accepts_nothing(gbm_service);
     print_wait("a service that accepts and never reads", honest_wait_ms(50));
     listen(accepts_nothing.fd, 0);
     const dvx_message game = make_message("powerhal", DVX_CODE_GAME, {0, 1, 60, 0});
     print_wait("a service whose queue is full: a game's first report", honest_wait_ms(1, game));
     print_wait("its next twenty reports", honest_wait_ms(20, game));
+}
+
+bool sanitizer_is_silent(const test_device &device) {
+    const std::string said = device_read_file(device.root + device_daemon_log);
+    const bool silent = said.find("Sanitizer") == std::string::npos;
+    if (!silent)
+        fprintf(stderr, "%s\n", said.c_str());
+    return silent;
+}
+
+int start(const test_device &device) {
+    const int pid = device_start_daemon(device.root, built("bin/dvxd"));
+    if (device_wait_until_started(device.root, pid, start_patience_ms) == device_started)
+        return pid;
+    fprintf(stderr, "soak: the daemon does not start\n");
+    exit(1);
+}
+
+// Ends the daemon; whether it had lived until then, with nothing for a sanitizer to say.
+bool end(const test_device &device, int pid) {
+    const bool alive = waitpid(pid, nullptr, WNOHANG) == 0;
+    kill(pid, SIGKILL);
+    waitpid(pid, nullptr, 0);
+    return sanitizer_is_silent(device) && alive;
+}
+
+// A recording, to which threads write that are at a happening and threads that are at none.
+bool record(const test_device &device, int seconds) {
+    setenv("DVXD_RECORD", (device.root + device_recording).c_str(), 1);
+    const int pid = start(device);
+    load done(device.root, clients);
+    std::atomic<bool> stop = false;
+    std::thread leaver([&] {
+        while (!stop)
+            close(dvx_client_connect(-1));
+    });
+    sleep(static_cast<unsigned>(seconds));
+    stop = true;
+    leaver.join();
+    done.end();
+    const bool held = end(device, pid) && done.unanswered == 0;
+    printf("\nrecording for %d s: %ld messages, %ld unanswered; %s\n", seconds,
+           done.messages.load(), done.unanswered.load(), held ? "held" : "NOT HELD");
+    return held;
 }
 
 bool hold(test_device *device, int pid, int seconds, const scenario &at_rest) {
@@ -131,9 +203,7 @@ bool hold(test_device *device, int pid, int seconds, const scenario &at_rest) {
     usleep(settle_us);
     const figures after = read_figures(pid);
     const bool exact = is_exact(device->root, at_rest);
-    const std::string said = device_read_file(device->root + device_daemon_log);
-    const bool silent = said.find("Sanitizer") == std::string::npos;
-
+    const bool silent = sanitizer_is_silent(*device);
     printf("%d s: %ld messages, %ld intervals, %ld panel changes; %ld messages unanswered\n",
            seconds, done.messages.load(), done.intervals.load(), done.panel_changes.load(),
            done.unanswered.load());
@@ -143,8 +213,6 @@ bool hold(test_device *device, int pid, int seconds, const scenario &at_rest) {
         warm_s, warm.resident_kib, after.resident_kib, warm.descriptors, after.descriptors);
     printf("the daemon is %s about its state; the sanitizer is %s\n", exact ? "exact" : "WRONG",
            silent ? "silent" : "NOT SILENT");
-    if (!silent)
-        fprintf(stderr, "%s\n", said.c_str());
     // A sanitizer keeps books of its own, whose growth says nothing of the daemon's.
     const bool flat = getenv("DVX_SANITIZED") != nullptr ||
                       after.resident_kib - warm.resident_kib <= growth_max_kib;
@@ -170,16 +238,11 @@ int main(int argc, char **argv) {
         return 2;
     }
     test_device device;
-    const int pid = device_start_daemon(device.root, built("bin/dvxd"));
-    if (device_wait_until_started(device.root, pid, start_patience_ms) != device_started) {
-        fprintf(stderr, "soak: the daemon does not start\n");
-        return 1;
-    }
-    const bool held = hold(&device, pid, seconds, at_rest.scenarios[0]);
+    const int pid = start(device);
+    bool held = hold(&device, pid, seconds, at_rest.scenarios[0]);
     meet_hostile_clients();
-    const bool alive = waitpid(pid, nullptr, WNOHANG) == 0;
-    kill(pid, SIGKILL);
-    waitpid(pid, nullptr, 0);
-    printf("\n%s\n", held && alive ? "The daemon held." : "The daemon did NOT hold.");
-    return held && alive ? 0 : 1;
+    held = end(device, pid) && held && honest_unanswered == 0;
+    held = record(device, std::max(2, seconds / 4)) && held;
+    printf("\n%s\n", held ? "The daemon held." : "The daemon did NOT hold.");
+    return held ? 0 : 1;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <vector>
 
 #include "device/virtual_device.h"
 
@@ -19,6 +20,18 @@ bool lives_on(int process, const std::string &root) {
     const std::string its = process_environment(process, "DVXD_ROOT");
     std::error_code error;
     return its.empty() ? root == "/" : fs::equivalent(its, root, error);
+}
+
+std::vector<int> daemons() {
+    std::vector<int> found;
+    std::error_code error;
+    for (const auto &entry : fs::directory_iterator("/proc", error)) {
+        const std::string name = entry.path().filename();
+        if (std::all_of(name.begin(), name.end(), isdigit) &&
+            device_read_file(entry.path() / "comm").starts_with("dvxd"))
+            found.push_back(std::stoi(name));
+    }
+    return found;
 }
 
 }  // namespace
@@ -40,16 +53,21 @@ int daemon_process(const std::string &root) {
     const int known = device_daemon_process(root);
     if (known != 0)
         return known;
-    std::error_code error;
-    for (const auto &entry : fs::directory_iterator("/proc", error)) {
-        const std::string name = entry.path().filename();
-        if (!std::all_of(name.begin(), name.end(), isdigit) ||
-            !device_read_file(entry.path() / "comm").starts_with("dvxd"))
-            continue;
-        const int process = std::stoi(name);
+    for (const int process : daemons())
         if (lives_on(process, root) && process_shares_network(process))
             return process;
-    }
+    return 0;
+}
+
+int daemon_that_writes(const std::string &path) {
+    std::error_code error;
+    if (!fs::exists(path, error))
+        return 0;
+    for (const int process : daemons())
+        for (const auto &file :
+             fs::directory_iterator("/proc/" + std::to_string(process) + "/fd", error))
+            if (fs::equivalent(file.path(), path, error))
+                return process;
     return 0;
 }
 

@@ -7,6 +7,10 @@
 // started by hand; 0 where there is none.
 int daemon_process(const std::string &root);
 
+// Process id of a daemon that has the file open, as its log or its recording; 0 where there is
+// none, or none that is shown to us.
+int daemon_that_writes(const std::string &path);
+
 // A variable of a process's environment; empty where it is not set or not shown to us.
 std::string process_environment(int process, const std::string &name);
 

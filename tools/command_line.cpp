@@ -55,14 +55,13 @@ void explain_wrong_words(CLI::App *app, const CLI::ParseError &error) {
     CLI::App *command = deepest_command(app);
     const std::vector<std::string> unknown = app->remaining(true);
     if (unknown.empty()) {
-        fprintf(stderr, "dvxctl: %s; %s\n", error.what(), help_of(command).c_str());
+        warn(error.what() + ("; " + help_of(command)));
         return;
     }
     const std::string nearest =
         nearest_word(unknown[0], words_known_to(command, unknown[0].starts_with("-")));
-    fprintf(stderr, "dvxctl: unknown word '%s'%s; %s\n", unknown[0].c_str(),
-            nearest.empty() ? "" : (", did you mean '" + nearest + "'?").c_str(),
-            help_of(command).c_str());
+    warn("unknown word '" + unknown[0] + "'" +
+         (nearest.empty() ? "" : ", did you mean '" + nearest + "'?") + "; " + help_of(command));
 }
 
 // Files are mapped while they are read: one that somebody makes shorter meanwhile ends the program.
@@ -78,7 +77,7 @@ int finish(int exit_code) {
     if (fflush(stdout) == 0 && ferror(stdout) == 0 && std::cout.good())
         return exit_code;
     if (errno != EPIPE)
-        fprintf(stderr, "dvxctl: cannot write: %s\n", strerror(errno));
+        warn(std::string("cannot write: ") + strerror(errno));
     return exit_code != 0 ? exit_code : exit_found;
 }
 
@@ -122,6 +121,7 @@ void command_line_needs_root(CLI::App *command) {
 int command_line_run(int argc, char **argv, const std::vector<add_commands> &groups) {
     standard_files_take_up();
     signal(SIGPIPE, SIG_IGN);
+    signal(SIGXFSZ, SIG_IGN);  // writing fails, and is said to
     signal(SIGBUS, end_with_a_cut_file);
     std::string root;
     int exit_code = 0;

@@ -1,4 +1,5 @@
 #include "tools/device_commands.h"
+#include "tools/shown.h"
 
 #include <stdio.h>
 #include <string.h>
@@ -39,7 +40,7 @@ int create(const std::string &root, bool fresh) {
     const std::string error = device_create(root, device_image_path(), keep_conf);
     if (!error.empty())
         return fail(error);
-    printf("device laid out at %s\n", root.c_str());
+    printf("device laid out at %s\n", shown(root).c_str());
     if (keep_conf)
         printf("its hardware.conf was changed by hand and stays; --fresh replaces it\n");
     return 0;
@@ -51,12 +52,12 @@ int start(const std::string &root) {
     if (device_daemon_process(root) != 0)
         return fail("a daemon runs on " + root + " already");
     for (const std::string &wrong : device_check_conf(root))
-        fprintf(stderr, "dvxctl: %s\n", wrong.c_str());
+        warn(wrong);
     int pid = 0;
     const std::string error = start_device(root, false, &pid);
     if (!error.empty())
         return fail(error);
-    printf("dvxd %d serves %s\n", pid, root.c_str());
+    printf("dvxd %d serves %s\n", pid, shown(root).c_str());
     return 0;
 }
 
@@ -88,7 +89,7 @@ int property(const std::string &root, const std::string &name, const std::string
         const std::string present = device_property(root, name);
         if (present.empty())
             return fail(name + " is not set");
-        printf("%s\n", present.c_str());
+        printf("%s\n", shown(present).c_str());
         return 0;
     }
     if (!device_set_property(root, name, *value))

@@ -48,14 +48,15 @@ struct start_lock {
 
 // Why a daemon did not get up, as its log has it.
 std::string explain_failed_start(const std::string &root) {
-    std::string said;
+    std::string last;
     int64_t offset = 0;
     for (const std::string &line : device_read_lines(root + device_daemon_log, &offset)) {
         if (line.ends_with("fail to create socket"))
             return another_daemon_hint;
-        said += "\n" + line;
+        last = line;
     }
-    return "dvxd did not start" + (said.empty() ? "" : "; its log:" + said);
+    return "dvxd did not start" +
+           (last.empty() ? "" : "; its log, " + root + device_daemon_log + ", ends with: " + last);
 }
 
 }  // namespace

@@ -2,12 +2,18 @@
 
 #include <stdio.h>
 
+#include "tools/shown.h"
+
+void warn(const std::string &remark) {
+    fprintf(stderr, "dvxctl: %s\n", shown(remark).c_str());
+}
+
 int fail(const std::string &reason) {
-    fprintf(stderr, "dvxctl: %s\n", reason.c_str());
+    warn(reason);
     return reason.starts_with("no daemon") ? exit_no_daemon : exit_found;
 }
 
 int refuse(const std::string &reason) {
-    fprintf(stderr, "dvxctl: %s\n", reason.c_str());
+    warn(reason);
     return exit_input;
 }

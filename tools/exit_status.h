@@ -23,6 +23,10 @@ constexpr exit_meaning exit_meanings[] = {
     {130, "interrupted while frames were played"},
 };
 
+// Says something beside a command's output, to standard error; what comes from outside may be in
+// it.
+void warn(const std::string &remark);
+
 // Says why a command ends without having done it. The exit status: the reason's, which begins alike
 // wherever no daemon runs.
 int fail(const std::string &reason);

@@ -7,6 +7,7 @@
 
 struct logcat_line {
     int64_t time_ns = 0;  // of the wall clock
+    bool has_year = false;
     int process = 0;
     int thread = 0;
     int priority = 0;  // as android/log.h has it; 0: not known
@@ -19,6 +20,17 @@ struct logcat_line {
 // taken for its last microsecond, as what a client did within it comes before what followed. False
 // for anything else.
 bool logcat_read(const std::string &line, int64_t now_ns, logcat_line *read);
+
+// Where the time of a log's lines stands: the wall clock of a phone is set while it runs.
+struct logcat_clock {
+    bool begun = false;
+    int64_t last_ns = 0;
+    int64_t shift_ns = 0;  // what is added to the lines' own times
+};
+
+// Brings a line's time to where time goes on: it never runs back, and a change of the clock takes
+// no time. `number` is the line's in its file. Empty, or what the log's reader is to know of it.
+std::string logcat_clock_follow(logcat_clock *clock, size_t number, logcat_line *line);
 
 // Whether the daemon writes under this tag.
 bool logcat_is_daemon(const logcat_line &line);

@@ -50,7 +50,7 @@ int print_events(const std::vector<std::string> &wanted, bool json) {
             printf("%2u  %s\n", id, name);
     }
     for (const std::string &word : unknown)
-        fprintf(stderr, "dvxctl: no event is named '%s' or has that number\n", word.c_str());
+        warn("no event is named '" + word + "' or has that number");
     return unknown.empty() ? 0 : exit_input;
 }
 

@@ -37,8 +37,9 @@ namespace {
 
 dvx_message start_message(const char *client, int32_t code) {
     dvx_message message;
-    const std::string name = std::string(client).substr(0, DVX_CLIENT_NAME_SIZE - 1);
-    dvx_message_init(&message, name.c_str(), code);
+    dvx_message_init(&message, "", code);
+    // The field may be full to its last byte, as the daemon takes it.
+    memcpy(message.client, client, strnlen(client, sizeof(message.client)));
     return message;
 }
 

@@ -9,6 +9,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include "tools/exit_status.h"
+#include "tools/shown.h"
+
 namespace {
 
 constexpr size_t records_before = 10;  // that a failure shows
@@ -38,9 +41,10 @@ void settle(course *now) {
 }
 
 std::string say_record(const timeline_entry &record) {
-    std::string text = record.text;
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    return std::string("    ").append(timeline_kind_name(record.kind)).append(" ").append(text) +
+    return std::string("    ")
+               .append(timeline_kind_name(record.kind))
+               .append(" ")
+               .append(shown(record.text)) +
            (record.thread_name.empty() ? "\n" : "  [" + record.thread_name + "]\n");
 }
 
@@ -53,8 +57,8 @@ std::string say_records(const char *heading, const std::vector<timeline_entry> &
 
 std::string explain(const scenario &what, const scenario_step &step, const std::string &reason,
                     const course &now) {
-    return what.name + "\n  line " + std::to_string(step.line) + ": " + step.text + "\n  " +
-           reason + "\n" + say_records("came:", now.since) +
+    return shown(what.name) + "\n  line " + std::to_string(step.line) + ": " + shown(step.text) +
+           "\n  " + reason + "\n" + say_records("came:", now.since) +
            say_records("before it:", {now.before.begin(), now.before.end()});
 }
 
@@ -90,7 +94,7 @@ std::string begin(const player &by, const scenario &what, size_t *at, course *no
 }
 
 void show_step(const scenario_step &step) {
-    printf("%s\n", step.text.c_str());
+    printf("%s\n", shown(step.text).c_str());
 }
 
 void show_record(const timeline_entry &entry) {
@@ -155,14 +159,11 @@ int play_file(const std::string &path, const std::string &only, const std::strin
     std::error_code error;
     const bool is_directory = std::filesystem::is_directory(path, error);
     if (!input || is_directory) {
-        fprintf(stderr, "dvxctl: cannot read %s%s\n", path.c_str(),
-                is_directory ? ": a directory, not a file" : "");
-        return 2;
+        return refuse("cannot read " + path + (is_directory ? ": a directory, not a file" : ""));
     }
     const scenario_file file = read_scenarios(input);
     if (!file.error.empty()) {
-        fprintf(stderr, "dvxctl: %s, %s\n", path.c_str(), file.error.c_str());
-        return 2;
+        return refuse(path + ", " + file.error);
     }
     const audience told = show ? audience{show_step, nullptr, show_record, nullptr} : audience{};
     int played = 0;
@@ -172,7 +173,7 @@ int play_file(const std::string &path, const std::string &only, const std::strin
             continue;
         ++played;
         if (show)
-            printf("= %s\n", each.name.c_str());
+            printf("= %s\n", shown(each.name).c_str());
         if (speed > 0) {
             const std::string wrong = play_scenario(make_device_player(root, speed), each, told);
             printf("%s", wrong.c_str());
@@ -182,8 +183,7 @@ int play_file(const std::string &path, const std::string &only, const std::strin
         }
     }
     if (played == 0) {
-        fprintf(stderr, "dvxctl: %s has no scenario named '%s'\n", path.c_str(), only.c_str());
-        return 2;
+        return refuse(path + " has no scenario named '" + only + "'");
     }
     printf("%d of %d scenarios held\n", held, played);
     return held == played ? 0 : 1;

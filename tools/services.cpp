@@ -1,4 +1,6 @@
 #include "tools/services.h"
+#include "tools/exit_status.h"
+#include "tools/shown.h"
 
 #include <errno.h>
 #include <poll.h>
@@ -55,7 +57,7 @@ void write_down(const std::string &root, const device_service &from, const std::
     const std::string note =
         device_append_note(root + device_services_log, std::string(from.name) + "  " + words);
     if (print) {
-        printf("%s\n", note.c_str());
+        printf("%s\n", shown(note).c_str());
         fflush(stdout);
     }
 }
@@ -70,7 +72,7 @@ int serve_services(const std::string &root, bool print) {
         if (listening[i].fd >= 0)
             ++served;
         else
-            fprintf(stderr, "dvxctl: %s: %s\n", device_services[i].socket, strerror(errno));
+            warn(std::string(device_services[i].socket) + ": " + strerror(errno));
     }
     while (served > 0 && poll(listening, device_service_count, -1) >= 0)
         for (size_t i = 0; i < device_service_count; ++i)

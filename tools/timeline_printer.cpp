@@ -9,6 +9,7 @@
 
 #include "device/virtual_device.h"
 #include "tools/log_lines.h"
+#include "tools/shown.h"
 #include "tools/terminal.h"
 
 namespace {
@@ -60,7 +61,7 @@ void print_sentence(const timeline_entry &entry) {
     const std::string sentence =
         entry.kind == timeline_log ? log_line_sentence(log_line_match(entry.text)) : "";
     if (!sentence.empty())
-        printf("                   = %s\n", sentence.c_str());
+        printf("                   = %s\n", shown(sentence).c_str());
 }
 
 void print_last(timeline_printer *printer) {
@@ -75,9 +76,9 @@ void print_last(timeline_printer *printer) {
     printf("+%.3f  %s%s%-7s%s  %s", std::max(seconds, 0.0),
            printer->indented && entry.kind != timeline_message ? "  " : "",
            printer->colour ? colours[entry.kind] : "", timeline_kind_name(entry.kind),
-           printer->colour ? "\033[0m" : "", entry.text.c_str());
+           printer->colour ? "\033[0m" : "", shown(entry.text).c_str());
     if (!thread.empty() && thread != listener)
-        printf("  [%s]", thread.c_str());
+        printf("  [%s]", shown(thread).c_str());
     if (printer->repeated > 1)
         printf("  (%d times)", printer->repeated);
     printf("\n");

@@ -114,8 +114,8 @@ int watch_device(const std::string &root, bool brief, bool why) {
         return 0;
     clearerr(stdout);  // said here, once
     if (error != 0)
-        fprintf(stderr, "dvxctl: cannot write: %s\n", strerror(error));
+        warn(std::string("cannot write: ") + strerror(error));
     else
-        fprintf(stderr, "dvxctl: the device at %s is gone\n", root.c_str());
+        warn("the device at " + root + " is gone");
     return exit_found;
 }

@@ -10,7 +10,6 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
-#include <nlohmann/json.hpp>
 #include <vector>
 
 #include "device/virtual_device.h"
@@ -21,6 +20,8 @@
 #include "tools/doctor/phone.h"
 #include "tools/doctor/touched.h"
 #include "tools/exit_status.h"
+#include "tools/json.h"
+#include "tools/shown.h"
 #include "tools/terminal.h"
 
 using nlohmann::ordered_json;
@@ -260,7 +261,7 @@ void print_findings(const std::vector<finding> &found) {
         snprintf(begin, sizeof(begin), "%-8s %-8s ", verdict_words[each.found],
                  each.subject.c_str());
         const size_t indent = strlen(begin);
-        print_folded(begin + each.name + ": " + each.said, indent);
+        print_folded(begin + shown(each.name + ": " + each.said), indent);
         if (!each.without.empty())
             print_folded(std::string(indent, ' ') + "without it: " + each.without, indent);
         off += each.found == verdict_off ? 1 : 0;
@@ -281,7 +282,7 @@ void print_json(const doctor_options &options, const std::vector<finding> &found
                             {"without", each.without.empty() ? ordered_json(nullptr)
                                                              : ordered_json(each.without)}});
     const ordered_json said = {{"root", options.root}, {"findings", findings}};
-    printf("%s\n", said.dump(-1, ' ', false, ordered_json::error_handler_t::replace).c_str());
+    printf("%s\n", json_write(said).c_str());
 }
 
 // The findings, in the order of the daemon's start.
@@ -326,10 +327,9 @@ int doctor_command(doctor_options options, bool json) {
     struct stat about;
     if (options.root.empty() || stat(options.root.c_str(), &about) != 0 ||
         !S_ISDIR(about.st_mode)) {
-        fprintf(stderr, "dvxctl: %s\n",
-                options.root.empty() ? "this is no phone; say whose device with --root or DVXD_ROOT"
-                                     : (options.root + " is no directory").c_str());
-        return exit_input;
+        return refuse(options.root.empty()
+                          ? "this is no phone; say whose device with --root or DVXD_ROOT"
+                          : options.root + " is no directory");
     }
     const std::vector<finding> found = look_at_device(options);
     if (json)

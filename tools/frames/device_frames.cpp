@@ -18,6 +18,7 @@
 #include "tools/frames/frame_play.h"
 #include "tools/frames/frame_reading.h"
 #include "tools/frames/frames_command.h"
+#include "tools/shown.h"
 #include "tools/words.h"
 
 namespace {
@@ -130,9 +131,9 @@ int play_file(const std::string &root, const arguments &given) {
            frame_describe(file).c_str());
     if (file.left_out > 0)
         printf("%s left out: %s\n", counted(file.left_out, "row").c_str(),
-               file.left_out_why.c_str());
+               shown(file.left_out_why).c_str());
     for (const std::string &remark : file.remarks)
-        printf("%s\n", remark.c_str());
+        printf("%s\n", shown(remark).c_str());
     printf("%s", frame_outcome_end(&outcome).c_str());
     return run.interrupted ? exit_interrupted : 0;
 }

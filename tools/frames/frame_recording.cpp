@@ -1,9 +1,11 @@
 #include <string.h>
 
 #include <charconv>
-#include <nlohmann/json.hpp>
 
 #include "tools/frames/frame_formats.h"
+#include "tools/json.h"
+
+using nlohmann::ordered_json;
 
 namespace {
 
@@ -38,10 +40,10 @@ enum line_kind { line_passed_over, line_interval, line_broken };
 
 // A line that mentions intervals in another spelling, or in none that is whole.
 line_kind parse_interval(std::string_view line, long double *us) {
-    const nlohmann::json object = nlohmann::json::parse(line, nullptr, false);
+    const ordered_json object = json_read(line);
     if (object.is_discarded())
         return find_in(line, interval_mark) != nullptr ? line_broken : line_passed_over;
-    if (!object.is_object() || object.value("in", nlohmann::json()) != "interval")
+    if (!object.is_object() || object.value("in", ordered_json()) != "interval")
         return line_passed_over;
     const auto value = object.find("us");
     if (value == object.end() || !value->is_number())
@@ -51,15 +53,14 @@ line_kind parse_interval(std::string_view line, long double *us) {
 }
 
 std::string check_version(std::string_view line) {
-    const nlohmann::json object = nlohmann::json::parse(line, nullptr, false);
+    const ordered_json object = json_read(line);
     if (!object.is_object() || !object.contains("dvx_recording"))
         return {};
-    const nlohmann::json &version = object["dvx_recording"];
+    const ordered_json &version = object["dvx_recording"];
     if (version == version_known)
         return {};
-    return "a recording of version " +
-           version.dump(-1, ' ', true, nlohmann::json::error_handler_t::replace) +
-           ", this program reads version " + std::to_string(version_known);
+    return "a recording of version " + json_write(version) + ", this program reads version " +
+           std::to_string(version_known);
 }
 
 }  // namespace

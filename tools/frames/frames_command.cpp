@@ -5,13 +5,16 @@
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <memory>
-#include <nlohmann/json.hpp>
 
 #include "tools/exit_status.h"
 #include "tools/frames/frame_figures.h"
 #include "tools/frames/frame_file.h"
 #include "tools/frames/frame_reading.h"
+#include "tools/json.h"
+#include "tools/shown.h"
 #include "tools/words.h"
+
+using nlohmann::ordered_json;
 
 namespace {
 
@@ -23,12 +26,12 @@ struct arguments {
 
 void print_text(const std::string &path, const frame_file &file) {
     const frame_figures of = frame_figures_of(file.intervals_us);
-    printf("%s: %s\n", path.c_str(), frame_describe(file).c_str());
+    printf("%s: %s\n", shown(path).c_str(), shown(frame_describe(file)).c_str());
     printf("  %s in %.2f s; %s left out%s%s\n", counted(of.intervals, "interval").c_str(),
            of.duration_s, counted(file.left_out, "row").c_str(), file.left_out == 0 ? "" : ": ",
-           file.left_out_why.c_str());
+           shown(file.left_out_why).c_str());
     for (const std::string &remark : file.remarks)
-        printf("  %s\n", remark.c_str());
+        printf("  %s\n", shown(remark).c_str());
     printf("  frames per second: mean %.2f, median %.2f, 1 %% low %.2f, 0.1 %% low %.2f\n",
            of.fps_mean, of.fps_median, of.fps_1_low, of.fps_0_1_low);
     printf("  median %.3f ms; above 1.5 x the median %zu frames, above 2 x %zu\n",
@@ -42,25 +45,25 @@ double rounded(double value) {
 
 void print_json(const std::string &path, const frame_file &file) {
     const frame_figures of = frame_figures_of(file.intervals_us);
-    const nlohmann::ordered_json object = {{"file", path},
-                                           {"format", file.format},
-                                           {"column", file.column},
-                                           {"unit", file.unit},
-                                           {"app", file.app},
-                                           {"intervals", of.intervals},
-                                           {"left_out", file.left_out},
-                                           {"left_out_why", file.left_out_why},
-                                           {"sampled", file.sampled},
-                                           {"median_us", rounded(of.median_us)},
-                                           {"fps_mean", rounded(of.fps_mean)},
-                                           {"fps_median", rounded(of.fps_median)},
-                                           {"fps_1_low", rounded(of.fps_1_low)},
-                                           {"fps_0_1_low", rounded(of.fps_0_1_low)},
-                                           {"above_1_5_median", of.above_1_5_median},
-                                           {"above_2_median", of.above_2_median},
-                                           {"duration_s", std::round(of.duration_s * 1e6) / 1e6},
-                                           {"remarks", file.remarks}};
-    printf("%s\n", object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+    const ordered_json object = {{"file", path},
+                                 {"format", file.format},
+                                 {"column", file.column},
+                                 {"unit", file.unit},
+                                 {"app", file.app},
+                                 {"intervals", of.intervals},
+                                 {"left_out", file.left_out},
+                                 {"left_out_why", file.left_out_why},
+                                 {"sampled", file.sampled},
+                                 {"median_us", rounded(of.median_us)},
+                                 {"fps_mean", rounded(of.fps_mean)},
+                                 {"fps_median", rounded(of.fps_median)},
+                                 {"fps_1_low", rounded(of.fps_1_low)},
+                                 {"fps_0_1_low", rounded(of.fps_0_1_low)},
+                                 {"above_1_5_median", of.above_1_5_median},
+                                 {"above_2_median", of.above_2_median},
+                                 {"duration_s", std::round(of.duration_s * 1e6) / 1e6},
+                                 {"remarks", file.remarks}};
+    printf("%s\n", json_write(object).c_str());
 }
 
 int show(const arguments &given) {
@@ -82,8 +85,7 @@ int show(const arguments &given) {
 }  // namespace
 
 int frame_fail_reading(const std::string &path, const frame_file &file) {
-    fprintf(stderr, "dvxctl: %s: %s\n", path.c_str(), file.error.c_str());
-    return exit_input;
+    return refuse(path + ": " + file.error);
 }
 
 std::string frame_describe(const frame_file &file) {

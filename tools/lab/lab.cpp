@@ -5,18 +5,19 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "tools/command_line.h"
 #include "tools/exit_status.h"
 #include "tools/frames/frame_file.h"
+#include "tools/json.h"
 #include "tools/lab/results.h"
 #include "tools/lab/search.h"
 #include "tools/lab/table.h"
+#include "tools/output_file.h"
 #include "tools/replay/settings.h"
+#include "tools/shown.h"
 #include "tools/words.h"
 
 namespace {
@@ -93,6 +94,9 @@ std::string prepare(arguments *given) {
     if (!setup->record.empty() && !std::filesystem::is_directory(setup->record, error) &&
         !std::filesystem::create_directories(setup->record, error))
         return "cannot make the directory " + setup->record;
+    for (const game_work &game : setup->games)
+        if (!setup->record.empty() && game.name.find('/') != std::string::npos)
+            return "a recording cannot be named '" + game.name + "'";
     return wrong;
 }
 
@@ -104,9 +108,12 @@ int run_lab(arguments *given) {
     for (const game_result &result : results)
         if (!result.error.empty())
             return refuse(result.game + ": the simulated daemon " + result.error);
+    for (const game_result &result : results)
+        if (!result.unwritten.empty())
+            return fail("cannot write " + result.unwritten);
     if (given->json)
         for (const game_result &result : results)
-            printf("%s\n", lab_describe(result).dump().c_str());
+            printf("%s\n", json_write(lab_describe(result)).c_str());
     else
         print_results(results);
     const bool left = std::any_of(results.begin(), results.end(),
@@ -119,6 +126,7 @@ int run_search(arguments *given) {
     if (!wrong.empty())
         return refuse(wrong);
     given->search.json = given->json;
+    given->search.inputs = {given->games_file, given->vary_from};
     return search_command(given->setup, given->search);
 }
 
@@ -126,13 +134,11 @@ int write_table(arguments *given) {
     const std::string wrong = prepare(given);
     if (!wrong.empty())
         return refuse(wrong);
-    std::ofstream out(given->out);
-    out << figures_source(given->setup.figures);
-    out.close();
-    if (!out)
-        return refuse("cannot write " + given->out);
+    const std::string unwritten = output_whole(given->out, figures_source(given->setup.figures));
+    if (!unwritten.empty())
+        return fail("cannot write " + unwritten);
     printf("%s: the daemon's table; it takes the place of src/fia/freq_tables.cpp\n",
-           given->out.c_str());
+           shown(given->out).c_str());
     return 0;
 }
 

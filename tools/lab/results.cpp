@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <string>
 
+#include "tools/shown.h"
 #include "tools/terminal.h"
 
 namespace {
@@ -71,7 +72,7 @@ void print_heading(const std::vector<const column *> &chosen) {
 
 void print_row(const char *mark, const std::string &name, const std::vector<const column *> &chosen,
                const std::vector<game_result> &over) {
-    printf("%s%-*.*s", mark, name_width - 2, name_width - 2, name.c_str());
+    printf("%s%-*.*s", mark, name_width - 2, name_width - 2, shown(name).c_str());
     for (const column *each : chosen) {
         double mean = 0;
         for (const game_result &result : over)
@@ -98,7 +99,7 @@ void print_results(const std::vector<game_result> &results) {
         const bool marked = lost >= 1 || (lost == worst && worst > 0.05);
         print_row(marked ? "> " : "  ", result.game, chosen, {result});
         if (result.caps_left)
-            printf("  %s: a cap was left behind after the game\n", result.game.c_str());
+            printf("  %s: a cap was left behind after the game\n", shown(result.game).c_str());
         left |= result.caps_left;
     }
     print_row("  ", "mean", chosen, results);

@@ -4,14 +4,14 @@
 #include <stdio.h>
 
 #include <algorithm>
-#include <fstream>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <numeric>
 #include <utility>
 
 #include "device/virtual_device.h"
+#include "tools/json.h"
 #include "tools/messages.h"
+#include "tools/output_file.h"
 #include "tools/replay/apart.h"
 #include "tools/replay/recording_lines.h"
 #include "tools/replay/settings.h"
@@ -31,7 +31,7 @@ constexpr size_t slowest_part = 100;
 struct loop {
     size_t caps[resource_count] = {};
     device_levels levels;
-    std::ofstream record;
+    output_file record;  // closed: none is wanted
     // Of each cap: where it was, for how long, and which way it went last.
     double since_us[resource_count] = {};
     double cut_us[resource_count] = {};
@@ -84,8 +84,8 @@ void take_calls(loop *now, double time_us, int64_t clock_ns) {
             if (which >= 0)
                 move_cap(now, which, frequency / (which == resource_gpu ? 1e6 : 1e3), time_us);
         }
-        if (now->record.is_open())
-            now->record << recording_entry_line(entry, clock_ns) << "\n";
+        if (now->record.fd >= 0)
+            output_write(&now->record, recording_entry_line(entry, clock_ns) + "\n");
     }
 }
 
@@ -96,10 +96,11 @@ void take_up(loop *now, recorded_kind kind, int64_t clock_ns, double time_us,
     what.time_ns = clock_ns;
     if (message != nullptr)
         what.message = *message;
-    if (now->record.is_open())
-        now->record << (message != nullptr ? recording_message_line(clock_ns, *message, is_text)
-                                           : recording_plain_line(clock_ns, kind))
-                    << "\n";
+    if (now->record.fd >= 0)
+        output_write(&now->record,
+                     (message != nullptr ? recording_message_line(clock_ns, *message, is_text)
+                                         : recording_plain_line(clock_ns, kind)) +
+                         "\n");
     simulator_replay(what);
     take_calls(now, time_us, clock_ns);
 }
@@ -109,8 +110,8 @@ void begin(loop *now, const lab_setup &setup, const std::string &game) {
     simulator_setup device = simulator_fresh_device(device_image_path());
     device.figures = setup.figures;
     // Debug lines tell why; without somebody who reads them they only take time.
-    device.properties["debug.dvxd_log.enable"] = now->record.is_open() ? "1" : "0";
-    if (now->record.is_open()) {
+    device.properties["debug.dvxd_log.enable"] = now->record.fd >= 0 ? "1" : "0";
+    if (now->record.fd >= 0) {
         ordered_json header = {{"dvx_recording", recording_version},
                                {"daemon", DVX_VERSION},
                                {"order", "taken"},
@@ -120,7 +121,7 @@ void begin(loop *now, const lab_setup &setup, const std::string &game) {
                                {"answers", device.answers}};
         for (const auto &[name, value] : settings_of(setup.figures))
             header["settings"][name] = value;
-        now->record << header.dump() << "\n";
+        output_write(&now->record, json_write(header) + "\n");
     }
     simulator_replay_from(device, boot_ns);
     for (const recorded_kind kind : {recorded_load, recorded_start, recorded_analyser})
@@ -209,10 +210,11 @@ game_result play(const lab_setup &setup, const game_work &game) {
                 continue;
             const int64_t clock_ns = boot_ns + static_cast<int64_t>(time_us * 1000);
             const int32_t whole_us = static_cast<int32_t>(lround(interval_us));
-            if (with_daemon->record.is_open())
-                with_daemon->record << recording_report_line(clock_ns, recorded_interval,
-                                                             std::to_string(whole_us) + "\n")
-                                    << "\n";
+            if (with_daemon->record.fd >= 0)
+                output_write(&with_daemon->record,
+                             recording_report_line(clock_ns, recorded_interval,
+                                                   std::to_string(whole_us) + "\n") +
+                                 "\n");
             simulator_replay_interval(clock_ns, whole_us);
             take_calls(with_daemon, time_us, clock_ns);
             if (time_us > timers_us && !std::exchange(with_daemon->timers_ran, true))
@@ -225,11 +227,16 @@ game_result play(const lab_setup &setup, const game_work &game) {
     loop now;
     now.levels = levels_of(setup.figures);
     if (!setup.record.empty())
-        now.record.open(setup.record + "/" + game.name + ".rec");
+        now.record = output_open(setup.record + "/" + game.name + ".rec");
+    result.unwritten = now.record.error;
+    if (!result.unwritten.empty())
+        return result;
     begin(&now, setup, game.name);
     const double time_us = play_whole(&result.capped, &now);
     finish_caps(&result.capped, &now, time_us);
     result.caps_left = end(&now, time_us);
+    if (!setup.record.empty())
+        result.unwritten = output_finish(&now.record);
     return result;
 }
 
@@ -256,7 +263,7 @@ game_result unpack_game(const lab_setup &setup, const game_work &game, const apa
     game_result result;
     result.game = game.name;
     result.minutes = setup.minutes;
-    const ordered_json packed = ordered_json::parse(apart.said, nullptr, false);
+    const ordered_json packed = json_read(apart.said);
     if (!apart.error.empty() || !packed.is_array()) {
         result.error = apart.error.empty() ? "said nothing" : apart.error;
         return result;
@@ -264,6 +271,7 @@ game_result unpack_game(const lab_setup &setup, const game_work &game, const apa
     unpack(packed[0], &result.free);
     unpack(packed[1], &result.capped);
     packed[2].get_to(result.caps_left);
+    packed[3].get_to(result.unwritten);
     return result;
 }
 
@@ -274,7 +282,8 @@ std::vector<game_result> lab_run(const lab_setup &setup) {
     for (const game_work &game : setup.games)
         works.push_back([&setup, &game] {
             const game_result result = play(setup, game);
-            return ordered_json({pack(result.free), pack(result.capped), result.caps_left}).dump();
+            return json_write(
+                {pack(result.free), pack(result.capped), result.caps_left, result.unwritten});
         });
     const std::vector<apart_result> parts = run_all_apart(works, setup.jobs);
     std::vector<game_result> results;

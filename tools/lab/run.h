@@ -39,6 +39,7 @@ struct game_result {
     double minutes = 0;
     bool caps_left = false;  // a cap was below full after the game
     std::string error;       // empty, or how the simulated daemon ended
+    std::string unwritten;   // empty, or why its recording could not be written
 };
 
 // Runs the games, each in a process of its own.

@@ -6,14 +6,16 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <nlohmann/json.hpp>
 #include <random>
 #include <set>
 
 #include "device/virtual_device.h"
 #include "tools/exit_status.h"
+#include "tools/json.h"
+#include "tools/output_file.h"
 #include "tools/replay/settings.h"
+#include "tools/shown.h"
+#include "tools/whole_file.h"
 
 using nlohmann::ordered_json;
 
@@ -124,20 +126,65 @@ std::string check_tried(const ordered_json &each, const lab_setup &setup,
     return {};
 }
 
+bool has_numbers(const ordered_json &object, std::initializer_list<const char *> names) {
+    return std::all_of(names.begin(), names.end(), [&](const char *name) {
+        return object.contains(name) && object[name].is_number();
+    });
+}
+
+// Whether a line has all that a tried set has, of the types that it has.
+bool is_tried(const ordered_json &line) {
+    if (!line.is_object() || !line.contains("set") || !line["set"].is_object())
+        return false;
+    const ordered_json &set = line["set"];
+    if (set.empty() || !std::all_of(set.begin(), set.end(), [](const ordered_json &value) {
+            return value.is_number_integer();
+        }))
+        return false;
+    if (line.contains("error"))
+        return line["error"].is_string();
+    if (!has_numbers(line, {"minutes", "energy_saved", "fps_lost", "worst_lost"}) ||
+        !line.contains("worst_game") || !line["worst_game"].is_string() ||
+        !line.contains("games") || !line["games"].is_object())
+        return false;
+    const ordered_json &games = line["games"];
+    return std::all_of(games.begin(), games.end(), [](const ordered_json &game) {
+        return game.is_object() && has_numbers(game, {"lost", "saved"});
+    });
+}
+
+// What a file holds of a search.
+struct tried_file {
+    std::vector<ordered_json> sets;
+    size_t whole_bytes = 0;  // of the lines that are ended
+    bool last_open = false;  // the last set's line is not
+};
+
 // Reads lines of tried sets. Empty, or what is wrong.
-std::string read_tried(const std::string &path, std::vector<ordered_json> *tried) {
+std::string read_tried(const std::string &path, tried_file *tried) {
     std::error_code error;
-    if (std::filesystem::exists(path, error) && !std::filesystem::is_regular_file(path, error))
+    if (!std::filesystem::exists(path, error))
+        return {};
+    if (!std::filesystem::is_regular_file(path, error))
         return path + " is no file";
-    std::ifstream file(path);
-    std::string line;
-    for (int number = 1; std::getline(file, line); ++number) {
-        ordered_json read = ordered_json::parse(line, nullptr, false);
-        if (read.is_discarded() && file.peek() == EOF)
-            break;  // cut off while it was written
-        if (!read.is_object() || !read.contains("set"))
+    const whole_file content = whole_file_open(path);
+    if (!content.error.empty())
+        return path + ": " + content.error;
+    const std::string_view text = content.text;
+    for (int number = 1; tried->whole_bytes < text.size(); ++number) {
+        const size_t end = text.find('\n', tried->whole_bytes);
+        const std::string_view line = text.substr(tried->whole_bytes, end - tried->whole_bytes);
+        const bool ended = end != std::string_view::npos;
+        ordered_json read = json_read(line);
+        const bool good = is_tried(read);
+        if (good)
+            tried->sets.push_back(std::move(read));
+        else if (ended || number == 1 || !line.starts_with("{"))
             return path + ": line " + std::to_string(number) + ": is no set that was tried";
-        tried->push_back(std::move(read));
+        tried->last_open = good && !ended;
+        if (!ended)  // cut off while it was written
+            break;
+        tried->whole_bytes = end + 1;
     }
     return {};
 }
@@ -164,9 +211,9 @@ std::vector<ordered_json> find_front(const std::vector<ordered_json> &tried) {
 void print_set(const ordered_json &each) {
     printf("%6.1f %%  %8.2f  %8.2f  %-16s", each["energy_saved"].get<double>() * 100,
            each["fps_lost"].get<double>(), each["worst_lost"].get<double>(),
-           each["worst_game"].get<std::string>().c_str());
+           shown(each["worst_game"].get<std::string>()).c_str());
     for (const auto &[name, value] : each["set"].items())
-        printf(" %s=%s", name.c_str(), value.dump().c_str());
+        printf(" %s=%s", shown(name).c_str(), json_write(value).c_str());
     printf("\n");
 }
 
@@ -178,7 +225,7 @@ int conclude(const std::vector<ordered_json> &tried, double max_loss, bool json)
     if (json) {
         ordered_json said = {{"tried", tried.size()}, {"front", front}};
         said["best"] = best != front.end() ? *best : ordered_json(nullptr);
-        printf("%s\n", said.dump().c_str());
+        printf("%s\n", json_write(said).c_str());
     } else {
         printf("%zu sets tried, energy saved and frames lost as a model's result:\n", tried.size());
         printf("   saved  lost, mean    at most  of\n");
@@ -247,25 +294,25 @@ int search_command(const lab_setup &setup, const search_options &options) {
     if (sscanf(options.shard.c_str(), "%u/%u%n", &shard, &shards, &end) != 2 ||
         static_cast<size_t>(end) != options.shard.size() || shard < 1 || shard > shards)
         return refuse("--shard is K/N with K from 1 to N, not '" + options.shard + "'");
-    std::vector<ordered_json> tried;
+    tried_file before;
     if (!options.out.empty()) {
-        const std::string wrong = read_tried(options.out, &tried);
+        const std::string wrong = read_tried(options.out, &before);
         if (!wrong.empty())
             return refuse(wrong);
-        for (const ordered_json &each : tried) {
+        for (const ordered_json &each : before.sets) {
             const std::string other = check_tried(each, setup, figures);
             if (!other.empty())
                 return refuse(options.out + " is of another search: " + other);
         }
     }
-    std::ofstream out;
-    if (!options.out.empty()) {
-        out.open(options.out, std::ios::trunc);
-        for (const ordered_json &each : tried)
-            out << each.dump() << std::endl;
-        if (!out)
-            return refuse("cannot write " + options.out);
-    }
+    output_file out;
+    if (!options.out.empty())
+        out = output_continue(options.out, before.whole_bytes, options.inputs);
+    if (!out.error.empty())
+        return refuse(out.error);
+    std::vector<ordered_json> tried = std::move(before.sets);
+    if (before.last_open && !output_append(&out, json_write(tried.back())))
+        return fail("cannot write " + out.error);
     const std::vector<figure_set> sets =
         draw_sets(figures, setup.figures, options.samples, setup.seed);
     std::vector<ordered_json> mine;
@@ -279,26 +326,34 @@ int search_command(const lab_setup &setup, const search_options &options) {
                         [&](const ordered_json &each) { return each["set"] == set; }))
             continue;
         tried.push_back(try_set(setup, set));
-        if (out.is_open())
-            out << tried.back().dump() << std::endl;
+        if (out.fd >= 0 && !output_append(&out, json_write(tried.back())))
+            return fail("cannot write " + out.error);
         if (options.json) {
-            printf("%s\n", tried.back().dump().c_str());
+            printf("%s\n", json_write(tried.back()).c_str());
             fflush(stdout);
         }
     }
+    const std::string unwritten = output_finish(&out);
+    if (!unwritten.empty())
+        return fail("cannot write " + unwritten);
     tell_progress(done, mine.size(), begin_ns);
     return conclude(tried, options.max_loss, options.json);
 }
 
 int merge_command(const std::vector<std::string> &paths, double max_loss, bool json) {
-    std::vector<ordered_json> tried;
+    tried_file all;
     for (const std::string &path : paths) {
         if (access(path.c_str(), R_OK) != 0)
             return refuse("cannot read " + path);
-        const std::string wrong = read_tried(path, &tried);
+        all.whole_bytes = 0;
+        const std::string wrong = read_tried(path, &all);
         if (!wrong.empty())
             return refuse(wrong);
     }
+    std::vector<ordered_json> tried = std::move(all.sets);
+    if (tried.empty())
+        return refuse(paths[0] + (paths.size() > 1 ? " and the others hold" : " holds") +
+                      " no set that was tried");
     std::set<std::string> sets;  // what two shards have tried counts once
     std::erase_if(tried, [&](const ordered_json &each) {
         return !sets.insert(each.at("set").dump()).second;

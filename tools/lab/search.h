@@ -21,6 +21,7 @@ struct search_options {
     int samples = 200;
     std::string shard = "1/1";  // K/N
     std::string out;            // the sets that have been tried; one that exists is gone on with
+    std::vector<std::string> inputs;  // files that are read, which `out` is not to be
     bool json = false;
 };
 

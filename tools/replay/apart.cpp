@@ -8,6 +8,8 @@
 
 #include <deque>
 
+#include "tools/exit_status.h"
+
 namespace {
 
 void write_whole(int fd, const std::string &text) {
@@ -26,6 +28,18 @@ std::string read_whole(int fd) {
          (count = read(fd, part, sizeof(part))) > 0 || (count < 0 && errno == EINTR);)
         text.append(part, static_cast<size_t>(count > 0 ? count : 0));
     return text;
+}
+
+// A child's whole life. What nobody caught must not go on into the parent's code.
+[[noreturn]] void do_work(const std::function<std::string()> &work, int fd) {
+    try {
+        write_whole(fd, work());
+    } catch (const std::exception &error) {
+        warn(std::string("internal error: ") + error.what());
+        _exit(exit_found);
+    }
+    fflush(stdout);
+    _exit(0);
 }
 
 // A child at work.
@@ -47,9 +61,7 @@ worker start(const std::vector<std::function<std::string()>> &works, size_t whic
     at_work.process = fork();
     if (at_work.process == 0) {
         close(ends[0]);
-        write_whole(ends[1], works[which]());
-        fflush(stdout);
-        _exit(0);
+        do_work(works[which], ends[1]);
     }
     if (at_work.process < 0)
         at_work.error = strerror(errno);
@@ -66,6 +78,8 @@ apart_result finish(const worker &at_work) {
         result.said = read_whole(at_work.fd);
         if (waitpid(at_work.process, &status, 0) == at_work.process && WIFSIGNALED(status))
             result.error = std::string("ended by signal ") + std::to_string(WTERMSIG(status));
+        else if (result.said.empty())
+            result.error = "said nothing";
     }
     if (at_work.fd >= 0)
         close(at_work.fd);

@@ -28,6 +28,7 @@ void follow_begin(void) {
     action.sa_handler = note_interrupt;
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
+    sigaction(SIGHUP, &action, nullptr);  // the terminal goes, what was recorded stays
 }
 
 bool follow_is_over(const follow_limit &limit) {

@@ -14,6 +14,7 @@ namespace {
 
 constexpr size_t line_max = size_t{1} << 16;
 constexpr int64_t same_message_ns = 50000000;  // lines of one message lie within
+constexpr size_t same_message_lines = 512;     // far more than any message brings about
 
 // An event that one message alone raises.
 struct event_message {
@@ -65,13 +66,17 @@ void add(reader *now, const dvx_message &message) {
     course_add_message(now->made, time_of(*now, now->at), message);
 }
 
+// Whether the entry at `at` may belong to the message that the log is read at.
+bool is_of_message(const reader &now, size_t at) {
+    return at < now.entries->size() && at < now.at + same_message_lines &&
+           (*now.entries)[at].time_ns - (*now.entries)[now.at].time_ns <= same_message_ns;
+}
+
 // Looks for a line that begins so among those that belong to the message at `at`; what stands
 // behind the beginning, or an empty text.
 std::string find_behind(const reader &now, const std::string &beginning) {
-    for (size_t i = now.at; i < now.entries->size(); ++i) {
-        const timeline_entry &entry = (*now.entries)[i];
-        if (entry.time_ns - (*now.entries)[now.at].time_ns > same_message_ns)
-            break;
+    for (size_t at = now.at; is_of_message(now, at); ++at) {
+        const timeline_entry &entry = (*now.entries)[at];
         if (entry.kind == timeline_log && entry.text.starts_with(beginning))
             return entry.text.substr(beginning.size());
     }
@@ -79,10 +84,8 @@ std::string find_behind(const reader &now, const std::string &beginning) {
 }
 
 bool follows_event(const reader &now, event_id event) {
-    for (size_t i = now.at; i < now.entries->size(); ++i) {
-        const timeline_entry &entry = (*now.entries)[i];
-        if (entry.time_ns - (*now.entries)[now.at].time_ns > same_message_ns)
-            break;
+    for (size_t at = now.at; is_of_message(now, at); ++at) {
+        const timeline_entry &entry = (*now.entries)[at];
         if (entry.kind == timeline_event && strtoul(entry.text.c_str(), nullptr, 10) == event)
             return true;
     }
@@ -188,18 +191,29 @@ course course_of_log(const std::vector<timeline_entry> &entries, int64_t start_n
 
 course course_of_log_text(std::string_view text) {
     std::vector<timeline_entry> entries;
+    std::vector<std::string> remarks;
+    logcat_clock clock;
+    size_t number = 0;
     for (size_t at = 0; at < text.size();) {
         const size_t end = std::min(text.find('\n', at), text.size());
         logcat_line line;
+        ++number;
         if (end - at < line_max &&
             logcat_read(std::string(text.substr(at, end - at)), timeline_now_ns(), &line) &&
-            logcat_is_daemon(line))
+            logcat_is_daemon(line)) {
+            const std::string remark = logcat_clock_follow(&clock, number, &line);
+            if (!remark.empty())
+                remarks.push_back(remark);
             entries.push_back(make_log_entry(line.time_ns, line.text));
+        }
         at = end + 1;
     }
-    if (!entries.empty())
-        return course_of_log(entries, entries.front().time_ns);
-    course none;
-    none.error = "is no log with lines of the daemon";
-    return none;
+    course made;
+    if (entries.empty()) {
+        made.error = "is no log with lines of the daemon";
+        return made;
+    }
+    made = course_of_log(entries, entries.front().time_ns);
+    made.remarks.insert(made.remarks.begin(), remarks.begin(), remarks.end());
+    return made;
 }

@@ -1,19 +1,17 @@
 #include "tools/replay/record.h"
 
-#include <errno.h>
-#include <fcntl.h>
 #include <stdio.h>
-#include <string.h>
 #include <unistd.h>
-
-#include <nlohmann/json.hpp>
 
 #include "device/virtual_device.h"
 #include "tools/exit_status.h"
+#include "tools/json.h"
+#include "tools/output_file.h"
 #include "tools/replay/follow.h"
 #include "tools/replay/recording.h"
 #include "tools/replay/seen.h"
 #include "tools/replay/settings.h"
+#include "tools/shown.h"
 #include "tools/words.h"
 
 using nlohmann::ordered_json;
@@ -24,20 +22,14 @@ constexpr int64_t second_ns = 1000000000;
 
 // The file under way, and what has gone into it.
 struct output {
-    std::string path;
-    int fd = -1;
+    output_file file;
     size_t lines = 0;
     size_t messages = 0;
     size_t intervals = 0;
     int64_t begin_ns = 0;
     int64_t told_ns = 0;
-    std::string error;
+    std::string error;  // of what is recorded
 };
-
-int fail(const std::string &reason, int status) {
-    fprintf(stderr, "dvxctl: %s\n", reason.c_str());
-    return status;
-}
 
 void tell_progress(output *out) {
     const int64_t now_ns = device_now_ns();
@@ -48,15 +40,10 @@ void tell_progress(output *out) {
             static_cast<double>(now_ns - out->begin_ns) / 1e9, out->messages, out->intervals);
 }
 
-// Writes a line with its end. False where the file takes no more.
+// Takes a line. False where the file takes no more.
 bool write_line(output *out, const std::string &line) {
-    const std::string whole = line + "\n";
-    const ssize_t count = write(out->fd, whole.data(), whole.size());
-    if (count != static_cast<ssize_t>(whole.size())) {
-        out->error = out->path + ": " + strerror(count < 0 ? errno : ENOSPC) +
-                     "; the recording is good up to line " + std::to_string(out->lines);
+    if (!output_write(&out->file, line + "\n"))
         return false;
-    }
     ++out->lines;
     out->messages += line.find("\"in\":\"message\"") != std::string::npos ? 1 : 0;
     out->intervals += line.find("\"in\":\"interval\"") != std::string::npos ? 1 : 0;
@@ -72,7 +59,7 @@ ordered_json make_header(const ordered_json &noted, const std::string &root) {
     header["device"] = !model.empty() ? model : root.empty() ? "phone" : "virtual device";
     header["since"] = device_now_ns();
     // The figures are those of this build: another version's are not known.
-    if (header.value("daemon", DVX_VERSION) == DVX_VERSION) {
+    if (!header.contains("daemon") || header["daemon"] == DVX_VERSION) {
         ordered_json settings = ordered_json::object();
         for (const auto &[name, value] : settings_of({}))
             settings[name] = value;
@@ -87,12 +74,13 @@ int record_notes(const record_options &options, const std::string &notes, const 
     const std::string error = follow_file(notes, limit, [&](const std::string &line) {
         if (!std::exchange(first, false))
             return write_line(out, line);
-        const ordered_json noted = ordered_json::parse(line, nullptr, false);
-        if (!noted.is_object() || noted.value("dvx_recording", 0) != recording_version) {
+        const ordered_json noted = json_read(line);
+        if (!noted.is_object() || !noted.contains("dvx_recording") ||
+            noted["dvx_recording"] != recording_version) {
             out->error = notes + " is no recording that this program reads";
             return false;
         }
-        return write_line(out, make_header(noted, options.root).dump());
+        return write_line(out, json_write(make_header(noted, options.root)));
     });
     if (out->error.empty())
         out->error = error;
@@ -104,7 +92,7 @@ int record_seen(const record_options &options, const follow_limit &limit, output
                           {"t", device_now_ns()},
                           {"wall_ns", timeline_now_ns()},
                           {"root", options.root}};
-    if (!write_line(out, make_header(noted, options.root).dump()))
+    if (!write_line(out, json_write(make_header(noted, options.root))))
         return exit_found;
     const seen_sources sources = {options.root, options.log};
     const std::string error =
@@ -114,9 +102,9 @@ int record_seen(const record_options &options, const follow_limit &limit, output
         return exit_input;
     }
     if (out->error.empty())
-        fprintf(stderr,
-                "dvxctl: seen from outside: happenings of two threads within a millisecond may "
-                "have come the other way round\n");
+        warn(
+            "seen from outside: happenings of two threads within a millisecond may have come the "
+            "other way round");
     return out->error.empty() ? 0 : exit_found;
 }
 
@@ -128,25 +116,29 @@ int record_command(const record_options &options) {
     if (!options.root.empty() && options.log.empty()) {
         notes = follow_notes_of(options.root, &limit.daemon);
         if (limit.daemon == 0)
-            return fail("no daemon runs on " + options.root, exit_no_daemon);
+            return fail("no daemon runs on " + options.root);
     }
     output out;
-    out.path = options.out;
-    out.fd = open(options.out.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (out.fd < 0)
-        return fail(options.out + ": " + strerror(errno), exit_input);
+    out.file = output_open(options.out, {options.log, notes});
+    if (!out.file.error.empty())
+        return refuse(out.file.error);
     out.begin_ns = device_now_ns();
     if (options.for_s > 0)
         limit.end_ns = out.begin_ns + static_cast<int64_t>(options.for_s * 1e9);
     follow_begin();
     const int status = !notes.empty() ? record_notes(options, notes, limit, &out)
                                       : record_seen(options, limit, &out);
-    close(out.fd);
     if (isatty(STDERR_FILENO) != 0)
         fprintf(stderr, "\n");
-    if (status != 0)
-        return fail(out.error, status);
-    printf("%s: %s, %s, %s\n", out.path.c_str(), counted(out.lines, "line").c_str(),
+    if (!out.error.empty()) {
+        output_abandon(&out.file);
+        warn(out.error);
+        return status;
+    }
+    const std::string unwritten = output_finish(&out.file);
+    if (!unwritten.empty())
+        return fail("cannot write " + unwritten);
+    printf("%s: %s, %s, %s\n", shown(options.out).c_str(), counted(out.lines, "line").c_str(),
            counted(out.messages, "message").c_str(), counted(out.intervals, "interval").c_str());
     return 0;
 }

@@ -4,19 +4,22 @@
 
 #include <algorithm>
 #include <charconv>
-#include <nlohmann/json.hpp>
 #include <stdexcept>
+#include <utility>
 
 #include "device/service_words.h"
 #include "platform/host/json_text.h"
 #include "platform/host/recording.h"
+#include "tools/json.h"
 #include "tools/messages.h"
 
-using nlohmann::json;
+using json = nlohmann::ordered_json;
 
 namespace {
 
 constexpr size_t line_max = size_t{1} << 20;
+constexpr int64_t time_max_ns = INT64_MAX / 2;  // differences of two stay in 64 bits
+constexpr int64_t length_max_ns = int64_t{366} * 24 * 3600 * 1000000000;
 
 const std::map<std::string, recorded_answer_kind> answer_words = {
     {"clock", answer_clock},     {"prop", answer_property},   {"answer", answer_library},
@@ -30,13 +33,13 @@ std::string text_of(const json &value) {
 // [QUESTION, KIND, ...]: the last elements are a name, a value, a number, as the kind has them.
 recorded_answer read_answer(const json &given) {
     recorded_answer answer;
-    answer.question = given.at(0).get<int>();
+    answer.question = json_integer<int>(given.at(0));
     answer.kind = answer_words.at(given.at(1).get<std::string>());
     const json &last = given.back();
     if (given.size() > 3 || answer.kind == answer_missing)
         answer.name = text_of(given.at(2));
     if (last.is_number())
-        answer.number = last.get<int64_t>();
+        answer.number = json_integer<int64_t>(last);
     else if (last.is_string() && given.size() > 3)
         answer.value = text_of(last);
     if (answer.kind == answer_library)
@@ -44,14 +47,20 @@ recorded_answer read_answer(const json &given) {
     return answer;
 }
 
+std::vector<int32_t> values_of(const json &list) {
+    std::vector<int32_t> values;
+    for (const json &value : list)
+        values.push_back(json_integer<int32_t>(value));
+    return values;
+}
+
 void read_message(const json &line, recording_line *read) {
     const std::string client = text_of(line.at("client"));
-    const int32_t code = line.at("code").get<int32_t>();
+    const int32_t code = json_integer<int32_t>(line.at("code"));
     read->is_text = line.contains("text");
-    read->what.message =
-        read->is_text
-            ? make_text_message(client.c_str(), code, text_of(line.at("text")))
-            : make_message(client.c_str(), code, line.at("values").get<std::vector<int32_t>>());
+    read->what.message = read->is_text
+                             ? make_text_message(client.c_str(), code, text_of(line.at("text")))
+                             : make_message(client.c_str(), code, values_of(line.at("values")));
 }
 
 recorded_kind kind_of(const std::string &word) {
@@ -71,7 +80,7 @@ void read_happening_line(const json &line, recording_line *read) {
     if (line.contains("report"))
         read->what.report = text_of(line.at("report"));
     if (line.contains("us")) {
-        read->interval_us = line.at("us").get<int32_t>();
+        read->interval_us = json_integer<int32_t>(line.at("us"));
         read->what.report = std::to_string(read->interval_us) + "\n";
     }
     if (line.contains("given"))
@@ -102,7 +111,7 @@ void read_output_line(const json &line, recording_line *read) {
     read->came = {read->time_ns, timeline_note, 0, "", "", 0};
     if (line.contains("log")) {
         read->came = make_log_entry(read->time_ns, text_of(line.at("log")));
-        read->came.priority = line.value("priority", 0);
+        read->came.priority = json_integer<int>(line.value("priority", json(0)));
     } else if (line.contains("hw")) {
         read->came.kind = timeline_hardware;
         read->came.text = text_of(line.at("hw"));
@@ -120,18 +129,24 @@ void read_output_line(const json &line, recording_line *read) {
     read->came.thread_name = text_of(line.value("thread", json("")));
 }
 
+// Nanoseconds; 0 where there are none.
+int64_t time_of(const json &line, const char *key) {
+    return json_integer(line.value(key, json(0)), -time_max_ns, time_max_ns);
+}
+
 void read_header_fields(const json &line, recording_header *header) {
     header->daemon = line.value("daemon", "");
     header->device = line.value("device", "");
     header->root = line.value("root", "");
     header->taken = line.value("order", "") == "taken";
-    header->since_ns = line.value("since", int64_t{0});
-    const int64_t wall_ns = line.value("wall_ns", int64_t{0});
-    header->wall_ns = wall_ns != 0 ? wall_ns - line.value("t", int64_t{0}) : 0;
+    header->since_ns = time_of(line, "since");
+    const int64_t wall_ns = time_of(line, "wall_ns");
+    const int64_t ahead_ns = wall_ns - time_of(line, "t");
+    header->wall_ns = wall_ns != 0 && std::abs(ahead_ns) <= time_max_ns ? ahead_ns : 0;
     const auto read_map = [&](const char *key, std::map<std::string, std::string> *into) {
         const json map = line.value(key, json::object());
         for (const auto &[name, value] : map.items())
-            (*into)[name] = value.is_string() ? value.get<std::string>() : value.dump();
+            (*into)[name] = value.is_string() ? value.get<std::string>() : json_write(value);
     };
     read_map("settings", &header->settings);
     read_map("properties", &header->properties);
@@ -176,7 +191,8 @@ bool scan_interval(std::string_view line, recording_line *read) {
     const auto [time_end, time_error] =
         std::from_chars(line.data() + head.size(), end, read->time_ns);
     const std::string_view rest(time_end, static_cast<size_t>(end - time_end));
-    if (time_error != std::errc() || !rest.starts_with(middle))
+    if (time_error != std::errc() || std::abs(read->time_ns) > time_max_ns ||
+        !rest.starts_with(middle))
         return false;
     const auto [value_end, value_error] =
         std::from_chars(rest.data() + middle.size(), end, read->interval_us);
@@ -208,15 +224,15 @@ recording recording_of(whole_file content) {
 }
 
 std::string recording_read_header(std::string_view line, recording_header *header) {
-    const json parsed = json::parse(line, nullptr, false);
+    const json parsed = json_read(line);
     if (!parsed.is_object() || !parsed.contains("dvx_recording"))
         return "is no recording's first line";
     if (parsed.at("dvx_recording") != recording_version)
-        return "the format's version is " + parsed.at("dvx_recording").dump() +
+        return "the format's version is " + json_write(parsed.at("dvx_recording")) +
                ", this program reads " + std::to_string(recording_version);
     try {
         read_header_fields(parsed, header);
-    } catch (const json::exception &) {
+    } catch (const std::exception &) {
         return "is no recording's first line";
     }
     return {};
@@ -229,8 +245,10 @@ bool recording_read_line(std::string_view line, recording_line *read) {
         return true;
     }
     try {
-        const json parsed = json::parse(line);
-        read->time_ns = parsed.at("t").get<int64_t>();
+        const json parsed = json_read(line);
+        if (!parsed.is_object() || !parsed.contains("t"))
+            return false;
+        read->time_ns = time_of(parsed, "t");
         if (parsed.contains("in"))
             read_happening_line(parsed, read);
         else
@@ -248,6 +266,10 @@ bool recording_next(recording *file, recording_line *read) {
     read->number = file->line;
     if (!recording_read_line(line, read))
         return fail(file, "is no line of a recording");
+    if (!std::exchange(file->begun, true))
+        file->first_ns = read->time_ns;
+    if (std::abs(read->time_ns - file->first_ns) > length_max_ns)
+        return fail(file, "is more than a year from the first one");
     if (read->kind == recording_output)
         return true;
     if (read->time_ns < file->last_ns)

@@ -54,7 +54,9 @@ struct recording {
     whole_file content;
     size_t at = 0;
     size_t line = 0;
-    int64_t last_ns = 0;
+    bool begun = false;
+    int64_t first_ns = 0;  // of the first line behind the header
+    int64_t last_ns = 0;   // of the last happening
 };
 
 // Opens a file, "-" for standard input. One that cannot be read, or is no recording, has an error.

@@ -59,9 +59,7 @@ bool is_same(const timeline_entry &recorded, const timeline_entry &replayed,
 std::vector<std::string> describe(const std::vector<timeline_entry> &entries) {
     std::vector<std::string> said;
     for (const timeline_entry &entry : entries) {
-        std::string text = entry.text;
-        std::replace(text.begin(), text.end(), '\n', ' ');
-        said.push_back(std::string(timeline_kind_name(entry.kind)) + "  " + text + "  [" +
+        said.push_back(std::string(timeline_kind_name(entry.kind)) + "  " + entry.text + "  [" +
                        entry.thread_name + "]");
     }
     return said;

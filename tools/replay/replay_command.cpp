@@ -2,15 +2,16 @@
 #include <stdio.h>
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 #include "device/virtual_device.h"
 #include "tools/exit_status.h"
 #include "tools/frames/frame_file.h"
+#include "tools/json.h"
 #include "tools/replay/apart.h"
 #include "tools/replay/course.h"
 #include "tools/replay/replay.h"
 #include "tools/replay/settings.h"
+#include "tools/shown.h"
 #include "tools/terminal.h"
 #include "tools/why/why.h"
 #include "tools/words.h"
@@ -24,8 +25,7 @@ constexpr char not_comparable[] =
     "only a recording of what the daemon took, replayed with its own figures, can be compared";
 
 int fail(const std::string &path, const std::string &reason) {
-    fprintf(stderr, "dvxctl: %s: %s\n", path.c_str(), reason.c_str());
-    return exit_input;
+    return refuse(path + ": " + reason);
 }
 
 // What is kept of a run while it goes on.
@@ -108,13 +108,14 @@ void print_figures(const json &before, const json *after) {
         printf("%-32s %10s%s\n", row.name, figure_text(before, row).c_str(),
                after != nullptr ? (" -> " + figure_text(*after, row)).c_str() : "");
     for (const auto &[name, cap] : before.at("caps").items())
-        printf("%-32s %10s%s\n", ("mean cap of " + name).c_str(), cap_text(before, name).c_str(),
+        printf("%-32s %10s%s\n", shown("mean cap of " + name).c_str(),
+               cap_text(before, name).c_str(),
                after != nullptr ? (" -> " + cap_text(*after, name)).c_str() : "");
 }
 
 void print_remarks(const std::string &path, const std::vector<std::string> &remarks) {
     for (const std::string &remark : remarks)
-        fprintf(stderr, "dvxctl: %s: %s\n", path.c_str(), remark.c_str());
+        warn(path + ": " + remark);
 }
 
 void print_side(const char *heading, const std::vector<std::string> &these,
@@ -129,7 +130,7 @@ void print_side(const char *heading, const std::vector<std::string> &these,
         printf("      nothing\n");
     const size_t first = same > shown_before ? same - shown_before : 0;
     for (size_t i = first; i < these.size() && i < same + shown_behind; ++i)
-        printf("    %s %s\n", i < same ? " " : i == same ? ">" : " ", these[i].c_str());
+        printf("    %s %s\n", i < same ? " " : i == same ? ">" : " ", shown(these[i]).c_str());
 }
 
 void print_difference(const replay_difference &difference) {
@@ -176,7 +177,7 @@ int replay_exactly(const std::string &path, recording *file, const simulated_fig
                 {"happening", difference.happening},
                 {"recorded", difference.recorded},
                 {"replayed", difference.replayed}};
-        printf("%s\n", said.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
+        printf("%s\n", json_write(said).c_str());
         return difference.found ? exit_found : 0;
     }
     printf("%.1f s of dvxd %s: %s, %s; replayed in %.2f s, %s\n",
@@ -209,11 +210,11 @@ json play_modelled(const course &what, bool why) {
             said["decisions"] = ran.decisions;
         if (!wrong.empty())
             said["error"] = wrong;
-        return said.dump();
+        return json_write(said);
     });
     if (!result.error.empty())
         return {{"error", "the simulated daemon " + result.error}};
-    return json::parse(result.said, nullptr, false);
+    return json_read(result.said);
 }
 
 int replay_modelled(const std::string &path, course *what, const simulated_figures &before,
@@ -240,7 +241,7 @@ int replay_modelled(const std::string &path, course *what, const simulated_figur
         json said = changed;
         if (!options.settings.empty())
             said["without"] = as_it_was;
-        printf("%s\n", said.dump().c_str());
+        printf("%s\n", json_write(said).c_str());
         return 0;
     }
     printf("%.1f s in the simulator, with timers of its own",

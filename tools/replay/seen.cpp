@@ -13,6 +13,7 @@
 #include "device/virtual_device.h"
 #include "platform/device_root.h"
 #include "platform/kernel_node.h"
+#include "tools/exit_status.h"
 #include "tools/logcat.h"
 #include "tools/replay/recording_lines.h"
 #include "tools/scenario.h"
@@ -72,6 +73,7 @@ struct phone {
     int64_t offset_ns = 0;    // of the wall clock before the recording's
     size_t lines = 0;         // of the log
     size_t daemon_lines = 0;  // of it
+    logcat_clock clock;
 };
 
 // Opens a node beside its other readers. A pipe has one alone, the daemon.
@@ -80,11 +82,11 @@ kernel_node open_node(const char *path) {
     char host_path[PATH_MAX];
     struct stat status;
     if (device_path(host_path, sizeof(host_path), path) != 0 || stat(host_path, &status) != 0) {
-        fprintf(stderr, "dvxctl: %s cannot be watched: %s\n", path, strerror(errno));
+        warn(std::string(path) + " cannot be watched: " + strerror(errno));
         return none;
     }
     if (S_ISFIFO(status.st_mode)) {
-        fprintf(stderr, "dvxctl: %s has one reader, the daemon; its reports are not seen\n", path);
+        warn(std::string(path) + " has one reader, the daemon; its reports are not seen");
         return none;
     }
     kernel_node node = kernel_node_open(path);
@@ -109,6 +111,9 @@ bool take_log_line(phone *seen, const std::string &line, const line_taker &take)
     if (!logcat_read(line, timeline_now_ns(), &read) || !logcat_is_daemon(read))
         return true;
     ++seen->daemon_lines;
+    const std::string remark = logcat_clock_follow(&seen->clock, seen->lines, &read);
+    if (!remark.empty())
+        warn(seen->log_name + ": " + remark);
     timeline_entry entry = make_log_entry(read.time_ns, read.text);
     entry.thread = read.thread;
     entry.priority = read.priority;

@@ -2,13 +2,13 @@
 #include <stdio.h>
 
 #include <cmath>
-#include <filesystem>
-#include <fstream>
-#include <nlohmann/json.hpp>
 
 #include "tools/exit_status.h"
+#include "tools/json.h"
+#include "tools/output_file.h"
 #include "tools/report/report.h"
 #include "tools/report/run_data.h"
+#include "tools/shown.h"
 #include "tools/why/moments.h"
 
 using nlohmann::ordered_json;
@@ -99,8 +99,8 @@ ordered_json make_trace(const report_run &run) {
 
 std::string quoted(const std::string &text) {
     std::string quote = "\"";
-    for (const char c : text)
-        quote += c == '"' ? std::string("\"\"") : std::string(1, c == '\n' ? ' ' : c);
+    for (const char letter : shown(text))
+        quote.append(letter == '"' ? 2 : 1, letter);
     return quote + "\"";
 }
 
@@ -144,32 +144,23 @@ std::string make_tables(const report_run &run) {
 }  // namespace
 
 int export_command(const std::string &path, const std::string &to, const std::string &out) {
-    std::error_code error;
-    if (std::filesystem::equivalent(path, out, error))
-        return refuse(out + " is the recording itself");
+    const std::string unfit = out.empty() ? "" : output_check(out, {path});
+    if (!unfit.empty())
+        return refuse(unfit);
     report_run run;
     const moment_source source = moments_of_file(
         path, [&](const moment_source &begun) { run = report_begin(begun.figures); },
         [&](const moment &now) { report_take(&run, now); });
-    if (!source.error.empty()) {
-        fprintf(stderr, "dvxctl: %s: %s\n", path.c_str(), source.error.c_str());
-        return exit_input;
-    }
+    if (!source.error.empty())
+        return refuse(path + ": " + source.error);
     report_end(&run);
-    const std::string content =
-        to == "csv"
-            ? make_tables(run)
-            : make_trace(run).dump(-1, ' ', false, ordered_json::error_handler_t::replace) + "\n";
+    const std::string content = to == "csv" ? make_tables(run) : json_write(make_trace(run)) + "\n";
     if (out.empty()) {
         fwrite(content.data(), 1, content.size(), stdout);
         return 0;
     }
-    std::ofstream file(out, std::ios::binary);
-    file << content;
-    file.close();
-    if (!file) {
-        fprintf(stderr, "dvxctl: cannot write %s\n", out.c_str());
-        return exit_found;
-    }
+    const std::string wrong = output_whole(out, content);
+    if (!wrong.empty())
+        return fail("cannot write " + wrong);
     return 0;
 }

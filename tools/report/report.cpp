@@ -1,11 +1,12 @@
 #include "tools/report/report.h"
+#include "tools/output_file.h"
+#include "tools/shown.h"
 
 #include <stdio.h>
 
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "device/virtual_device.h"
@@ -31,7 +32,7 @@ std::string read_run(const std::string &path, report_run *run) {
     if (!source.error.empty())
         return path + ": " + source.error;
     for (const std::string &remark : source.remarks)
-        fprintf(stderr, "dvxctl: %s: %s\n", path.c_str(), remark.c_str());
+        warn(path + ": " + remark);
     run->title = std::filesystem::path(path).filename();
     run->device = source.device;
     run->daemon = source.daemon;
@@ -140,10 +141,15 @@ ordered_json describe_differences(const ordered_json &first, const ordered_json 
 
 // JSON that may stand in a page's script: no text in it can end the script.
 std::string page_json(const ordered_json &data) {
-    std::string json = data.dump(-1, ' ', true, ordered_json::error_handler_t::replace);
-    for (size_t at = json.find('<'); at != std::string::npos; at = json.find('<', at))
-        json.replace(at, 1, "\\u003c");
-    return json;
+    const std::string json = data.dump(-1, ' ', true, ordered_json::error_handler_t::replace);
+    std::string safe;
+    safe.reserve(json.size());
+    for (const char letter : json)
+        if (letter == '<')
+            safe += "\\u003c";
+        else
+            safe += letter;
+    return safe;
 }
 
 }  // namespace
@@ -151,10 +157,9 @@ std::string page_json(const ordered_json &data) {
 int report_command(const report_options &options) {
     if (options.files.size() > 2 || (options.files.size() == 2 && !options.settings.empty()))
         return refuse("a report shows one recording or two, or one with --set");
-    std::error_code error;
-    for (const std::string &file : options.files)
-        if (std::filesystem::equivalent(file, options.out, error))
-            return refuse(options.out + " is the recording itself");
+    const std::string unfit = output_check(options.out, options.files);
+    if (!unfit.empty())
+        return refuse(unfit);
     std::vector<report_run> runs(options.files.size());
     for (size_t i = 0; i < runs.size(); ++i) {
         const std::string wrong = read_run(options.files[i], &runs[i]);
@@ -177,13 +182,11 @@ int report_command(const report_options &options) {
     if (place == std::string::npos)
         return refuse("the page of reports is not installed beside this program");
     page.replace(place, sizeof(data_place) - 1, page_json(data));
-    std::ofstream out(options.out, std::ios::binary);
-    out << page;
-    out.close();
-    if (!out)
-        return fail("cannot write " + options.out);
+    const std::string wrong = output_whole(options.out, page);
+    if (!wrong.empty())
+        return fail("cannot write " + wrong);
     for (size_t i = 0; i < runs.size(); ++i)
-        printf("%s: %s; %s\n", options.out.c_str(), runs[i].title.c_str(),
+        printf("%s: %s; %s\n", shown(options.out).c_str(), shown(runs[i].title).c_str(),
                data["runs"][i]["verdict"].get<std::string>().c_str());
     return 0;
 }

@@ -147,8 +147,8 @@ std::string describe_activity(const daemon_state &after, const moment &now) {
     const std::string name = "\"" + after.activity + "\" is ";
     if (moment_line(now, line_activity_new) != nullptr)
         return name + "new to the analyser";
-    const auto known = after.activities.find(after.activity);
-    const int scenes = known != after.activities.end() ? known->second.scenes : 0;
+    const auto known = after.scenes.find(after.slot);
+    const int scenes = known != after.scenes.end() ? known->second : 0;
     return name + "known, with " + counted(static_cast<size_t>(scenes), "scene");
 }
 

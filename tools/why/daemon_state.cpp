@@ -5,10 +5,13 @@
 #include <string.h>
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 
 #include "core/events.h"
 #include "core/timer.h"
+#include "device/service_words.h"
+#include "fia/records.h"
 #include "resource/fps_manager.h"
 #include "resource/requestor.h"
 #include "tools/effects.h"
@@ -18,9 +21,17 @@ namespace {
 constexpr int64_t ms_ns = 1000000;
 constexpr int scenes_max = 5;  // that the analyser remembers of an activity
 constexpr int tuned_mode = 1;
+constexpr int lock_max = 32;        // numbers of reasons to be suspended, bits of a mask
+constexpr size_t thermal_max = 64;  // configurations at once; a device has a dozen
 
 int number(const std::vector<std::string> &values, size_t index) {
     return index < values.size() ? atoi(values[index].c_str()) : 0;
+}
+
+// A number as the calls have it, whatever a file says of them.
+int32_t whole(double value) {
+    return static_cast<int32_t>(
+        std::clamp(std::isnan(value) ? 0 : value, double{INT32_MIN}, double{INT32_MAX}));
 }
 
 // ---- messages
@@ -109,22 +120,32 @@ void take_call(daemon_state *state, const std::string &call) {
     if (sscanf(call.c_str(), "set_tmk_freq %127s %lf", name, &value) == 2)
         take_cap(state, name, value);
     else if (sscanf(call.c_str(), "request_fps %lf", &value) == 1)
-        state->rate = static_cast<int32_t>(value);
+        state->rate = whole(value);
     else if (sscanf(call.c_str(), "request_image_engine_mode %lf", &value) == 1)
-        state->image_mode = static_cast<int32_t>(value);
+        state->image_mode = whole(value);
     else if (sscanf(call.c_str(), "set_automode_freq %lf", &value) == 1)
         state->automode = value != 0;
     else if (call.starts_with("request_tmr_"))
         state->mitigation = call.find("4294967295") == std::string::npos;
     else if (sscanf(call.c_str(), "enable_thermal_config %127s %lf", name, &value) == 2) {
-        if (value != 0)
+        if (value != 0 && state->thermal.size() < thermal_max)
             state->thermal.insert(name);
-        else
+        else if (value == 0)
             state->thermal.erase(name);
     }
 }
 
+void take_service(daemon_state *state, const std::string &name) {
+    for (const device_service &service : device_services)
+        if (name == service.name)
+            state->services[name] = true;
+}
+
 // ---- lines of the log
+
+bool is_requestor(int id) {
+    return id >= requestor_dgpc && id <= requestor_lpm;
+}
 
 void restart_measurement(daemon_state *state) {
     state->analyser = analyser_measuring;
@@ -133,7 +154,7 @@ void restart_measurement(daemon_state *state) {
 }
 
 void take_measuring_line(daemon_state *state, log_line id, const std::vector<std::string> &values) {
-    activity_state &activity = state->activities[state->activity];
+    int &scenes = state->scenes[state->slot];
     switch (id) {
         case line_analyser_resumed:
         case line_active_scene_changed:
@@ -148,8 +169,8 @@ void take_measuring_line(daemon_state *state, log_line id, const std::vector<std
             break;
         case line_measure_complete:
             state->analyser = analyser_active;
-            activity.scenes = std::min(activity.scenes + 1, scenes_max);
-            state->scene = activity.scenes;
+            scenes = std::min(scenes + 1, scenes_max);
+            state->scene = scenes;
             break;
         case line_measure_over:
             state->analyser = analyser_active;
@@ -168,8 +189,10 @@ void take_timer_line(daemon_state *state, log_line id, const std::vector<std::st
     const int slot = number(values, 0);
     if (id == line_timer_expired) {
         state->timers.erase(slot);
-    } else if (id == line_timer_requested) {
-        const int64_t end_ns = state->now_ns + atol(values.at(1).c_str()) * ms_ns;
+    } else if (id == line_timer_requested && slot >= 0 &&
+               slot < static_cast<int>(timer_slot_count)) {
+        const int64_t length_ms = std::min<int64_t>(atol(values.at(1).c_str()), INT32_MAX);
+        const int64_t end_ns = state->now_ns + std::max<int64_t>(length_ms, 0) * ms_ns;
         state->timers[slot] = std::max(state->timers[slot], end_ns);
     }
 }
@@ -189,16 +212,17 @@ void take_line(daemon_state *state, log_line id, const std::vector<std::string> 
             state->policy = values.at(0);
             break;
         case line_requestor_listed:
-            if (number(values, 1) != requestor_image_enhance)
+            if (is_requestor(number(values, 1)) && number(values, 1) != requestor_image_enhance)
                 state->requests[number(values, 1)] = {number(values, 2), number(values, 3) != 0};
             break;
         case line_rate_grant:
-            state->requests[number(values, 0)].granted = number(values, 1) != 0;
+            if (is_requestor(number(values, 0)))
+                state->requests[number(values, 0)].granted = number(values, 1) != 0;
             break;
         case line_rate_applied:
             state->rate = number(values, 0);
             state->rate_winner = number(values, 1);
-            if (number(values, 1) >= 0)
+            if (is_requestor(number(values, 1)))
                 state->requests[number(values, 1)] = {number(values, 0), true};
             break;
         case line_automode_command:
@@ -209,7 +233,8 @@ void take_line(daemon_state *state, log_line id, const std::vector<std::string> 
             state->tuner_policy = number(values, 0) != 0;
             break;
         case line_analyser_locked:
-            state->locks.insert(number(values, 0));
+            if (number(values, 0) >= 0 && number(values, 0) < lock_max)
+                state->locks.insert(number(values, 0));
             break;
         case line_analyser_unlocked:
             state->locks.erase(number(values, 0));
@@ -221,8 +246,11 @@ void take_line(daemon_state *state, log_line id, const std::vector<std::string> 
         case line_activity_known:
         case line_activity_new:
             state->activity = values.at(0);
+            state->slot = number(values, 1);
+            if (state->slot < 0 || state->slot >= fia_activity_count)
+                state->slot = -1;
             if (id == line_activity_new)
-                state->activities[state->activity] = {};
+                state->scenes[state->slot] = 0;
             break;
         case line_rate_service_down:
             state->services["gbm-client"] = false;
@@ -261,7 +289,7 @@ void daemon_state_take(daemon_state *state, const moment &now) {
         else if (told.entry.kind == timeline_hardware)
             take_call(state, told.entry.text);
         else if (told.entry.kind == timeline_service)
-            state->services[told.entry.text.substr(0, told.entry.text.find("  "))] = true;
+            take_service(state, told.entry.text.substr(0, told.entry.text.find("  ")));
         else if (told.line.row != nullptr)
             take_line(state, told.line.row->id, told.line.values);
     }

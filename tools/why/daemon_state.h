@@ -27,10 +27,7 @@ struct rate_request {
     std::optional<bool> granted;
 };
 
-struct activity_state {
-    int scenes = 0;  // remembered
-};
-
+// Its size does not grow with what a file holds: it is copied for every moment.
 struct daemon_state {
     int64_t now_ns = 0;
     std::optional<int64_t> served_ns;  // since when the daemon serves
@@ -50,8 +47,9 @@ struct daemon_state {
     int scene = 0;        // in use, from 1; 0: not known
     int profile_share = 0;
     int profile_bucket = 0;
-    std::map<std::string, activity_state> activities;
-    std::string activity;
+    std::map<int, int> scenes;  // that are remembered, by the activity's slot
+    int slot = -1;              // of the activity in front; -1: not known
+    std::string activity;       // its name
     std::vector<cap_state> caps;
     bool calls_seen = false;  // of the hardware library
     fia_tunables tunables = {};

@@ -133,16 +133,28 @@ moment_source read_recording(whole_file content, const source_taker &begin_sourc
     return source;
 }
 
-// One line of a log. Whether it is the daemon's.
-bool add_log_line(builder *built, const std::string &line) {
+// A log under way.
+struct log_reader {
+    logcat_clock clock;
+    size_t lines = 0;
+    size_t of_daemon = 0;
+};
+
+// Takes one line of a log.
+void add_log_line(builder *built, log_reader *log, const std::string &line,
+                  std::vector<std::string> *remarks) {
     logcat_line read;
+    ++log->lines;
     if (!logcat_read(line, timeline_now_ns(), &read) || !logcat_is_daemon(read))
-        return false;
+        return;
+    ++log->of_daemon;
+    const std::string remark = logcat_clock_follow(&log->clock, log->lines, &read);
+    if (!remark.empty())
+        remarks->push_back(remark);
     timeline_entry entry = make_log_entry(read.time_ns, read.text);
     entry.thread = read.thread;
     entry.priority = read.priority;
     add(built, std::move(entry));
-    return true;
 }
 
 moment_source log_source() {
@@ -157,16 +169,15 @@ moment_source read_log(std::string_view text, const source_taker &begin_source,
     moment_source source = log_source();
     begin_source(source);
     builder built = {&take, false, false, false, 0, 0, {}};
-    size_t lines = 0;
-    size_t of_daemon = 0;
-    for (size_t at = 0; at < text.size(); ++lines) {
+    log_reader log;
+    for (size_t at = 0; at < text.size();) {
         const size_t end = std::min(text.find('\n', at), text.size());
-        if (end - at < line_max)
-            of_daemon += add_log_line(&built, std::string(text.substr(at, end - at))) ? 1 : 0;
+        const size_t length = end - at < line_max ? end - at : 0;  // no line of the daemon's
+        add_log_line(&built, &log, std::string(text.substr(at, length)), &source.remarks);
         at = end + 1;
     }
     finish(&built);
-    if (of_daemon == 0)
+    if (log.of_daemon == 0)
         source.error = "is neither a recording nor a log with lines of the daemon (tag " LOG_TAG
                        ", logcat's form threadtime)";
     return source;
@@ -200,6 +211,7 @@ moment_source moments_of_device(const std::string &root, bool follow,
     moment_source source = log_source();
     builder built = {&take, !notes.empty(), false, false, 0, 0, {}};
     recording_header header;
+    log_reader log;
     bool first = true;
     const std::string path = notes.empty() ? root + device_daemon_log : notes;
     if (notes.empty())
@@ -209,7 +221,7 @@ moment_source moments_of_device(const std::string &root, bool follow,
         [&](const std::string &line) {
             recording_line read;
             if (notes.empty()) {
-                add_log_line(&built, line);
+                add_log_line(&built, &log, line, &source.remarks);
             } else if (std::exchange(first, false)) {
                 source.error = recording_read_header(line, &header);
                 source = source.error.empty() ? describe_header(header, 0) : source;

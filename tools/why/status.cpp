@@ -5,7 +5,6 @@
 
 #include <cmath>
 #include <deque>
-#include <nlohmann/json.hpp>
 
 #include "device/service_words.h"
 #include "device/virtual_device.h"
@@ -14,6 +13,8 @@
 #include "tools/daemon_process.h"
 #include "tools/delivery.h"
 #include "tools/exit_status.h"
+#include "tools/json.h"
+#include "tools/shown.h"
 #include "tools/terminal.h"
 #include "tools/why/moments.h"
 #include "tools/why/why.h"
@@ -86,9 +87,9 @@ ordered_json describe_analyser(const daemon_state &state) {
         said["of"] = fia_pm_length / std::max(state.tunables.period_divisor, 1);
     }
     if (state.analyser == analyser_active) {
-        const auto activity = state.activities.find(state.activity);
+        const auto scenes = state.scenes.find(state.slot);
         said["scene"] = state.scene;
-        said["scenes"] = activity != state.activities.end() ? activity->second.scenes : 0;
+        said["scenes"] = scenes != state.scenes.end() ? scenes->second : 0;
     }
     if (!state.activity.empty())
         said["activity"] = state.activity;
@@ -165,7 +166,7 @@ std::string words_of(const ordered_json &value, const char *on = "on", const cha
     if (value.is_boolean())
         return value.get<bool>() ? on : off;
     if (value.is_string())
-        return value.get<std::string>();
+        return shown(value.get<std::string>());
     if (value.is_number_float()) {
         char text[32];
         snprintf(text, sizeof(text), "%.0f", value.get<double>());
@@ -265,8 +266,7 @@ int status_command(const std::string &root, const std::string &log, bool json) {
         if (now.daemon == 0) {
             if (json)
                 printf("{\"up\":false}\n");
-            fprintf(stderr, "dvxctl: no daemon runs on %s\n", root.c_str());
-            return exit_no_daemon;
+            return fail("no daemon runs on " + root);
         }
         now.up_s = process_age_s(now.daemon);
     }
@@ -281,16 +281,14 @@ int status_command(const std::string &root, const std::string &log, bool json) {
     };
     now.source = log.empty() ? moments_of_device(root, false, begin, take)
                              : moments_of_file(log, begin, take);
-    const char *name = log.empty() ? root.c_str() : log.c_str();
-    if (!now.source.error.empty()) {
-        fprintf(stderr, "dvxctl: %s: %s\n", name, now.source.error.c_str());
-        return exit_input;
-    }
+    const std::string name = log.empty() ? root : log;
+    if (!now.source.error.empty())
+        return refuse(name + ": " + now.source.error);
     for (const std::string &remark : now.source.remarks)
-        fprintf(stderr, "dvxctl: %s: %s\n", name, remark.c_str());
+        warn(name + ": " + remark);
     const ordered_json said = describe_status(now);
     if (json)
-        printf("%s\n", said.dump(-1, ' ', false, ordered_json::error_handler_t::replace).c_str());
+        printf("%s\n", json_write(said).c_str());
     else
         print_status(said, now.last);
     return 0;

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "tools/shown.h"
 #include "tools/why/sentences.h"
 
 void add_decision(std::vector<decision> *made, const moment &now, decision_kind kind,
@@ -66,8 +67,8 @@ nlohmann::ordered_json why_describe(const decision &made) {
 std::string decision_text(const decision &made) {
     char time[32];
     snprintf(time, sizeof(time), "+%.3f", static_cast<double>(made.time_ns) / 1e9);
-    std::string text = std::string(time) + "  " + made.text;
+    std::string text = std::string(time) + "  " + shown(made.text);
     if (!made.detail.empty())
-        text += "\n" + std::string(decision_indent, ' ') + made.detail;
+        text += "\n" + std::string(decision_indent, ' ') + shown(made.detail);
     return text;
 }

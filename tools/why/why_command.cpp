@@ -3,10 +3,9 @@
 #include <stdio.h>
 #include <string.h>
 
-#include <nlohmann/json.hpp>
-
 #include "tools/daemon_process.h"
 #include "tools/exit_status.h"
+#include "tools/json.h"
 #include "tools/replay/follow.h"
 #include "tools/terminal.h"
 #include "tools/why/moments.h"
@@ -22,7 +21,7 @@ void print_decision(const decision &made, bool json) {
         return;
     }
     const ordered_json line = why_describe(made);
-    printf("%s\n", line.dump(-1, ' ', false, ordered_json::error_handler_t::replace).c_str());
+    printf("%s\n", json_write(line).c_str());
 }
 
 }  // namespace
@@ -43,23 +42,19 @@ int why_command(const std::string &path, const std::string &root, bool json) {
     };
     moment_source source;
     if (path.empty()) {
-        if (daemon_process(root) == 0) {
-            fprintf(stderr, "dvxctl: no daemon runs on %s\n", root.c_str());
-            return exit_no_daemon;
-        }
+        if (daemon_process(root) == 0)
+            return fail("no daemon runs on " + root);
         follow_begin();
         source = moments_of_device(root, true, begin, take);
     } else {
         source = moments_of_file(path, begin, take);
     }
-    const char *name = path.empty() ? root.c_str() : path.c_str();
-    if (!source.error.empty()) {
-        fprintf(stderr, "dvxctl: %s: %s\n", name, source.error.c_str());
-        return exit_input;
-    }
+    const std::string name = path.empty() ? root : path;
+    if (!source.error.empty())
+        return refuse(name + ": " + source.error);
     for (const std::string &remark : source.remarks)
-        fprintf(stderr, "dvxctl: %s: %s\n", name, remark.c_str());
+        warn(name + ": " + remark);
     if (decisions == 0)
-        fprintf(stderr, "dvxctl: %s: no decision in it\n", name);
+        warn(name + ": no decision in it");
     return 0;
 }

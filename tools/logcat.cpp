@@ -121,7 +121,8 @@ std::string logcat_clock_follow(logcat_clock *clock, size_t number, logcat_line 
         return {};
     char said[128];
     if (new_year)
-        snprintf(said, sizeof(said), "line %zu: a new year begins", number);
+        snprintf(said, sizeof(said), "line %zu: a new year begins: %ld days are added", number,
+                 static_cast<long>(shift_ns / day_ns));
     else
         snprintf(said, sizeof(said), "line %zu: the clock was set %s by %.3f s; time goes on here",
                  number, shift_ns > 0 ? "back" : "forward",

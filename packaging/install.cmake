@@ -2,18 +2,23 @@
 # and completions, made by the tool itself; the header for services by its own.
 set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)  # tests and benchmarks are for here
 set(home lib/dvxd)
+# Folders that packages have, whatever the mask of whoever builds them.
+set(CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE
+    GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS ${CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS})
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(pages ${CMAKE_BINARY_DIR}/pages)
 
 install(TARGETS dvxctl dvxd RUNTIME DESTINATION ${home}/bin COMPONENT tools)
 install(TARGETS thermalclient LIBRARY DESTINATION ${home}/lib COMPONENT tools)
 install(TARGETS hwresource dvxcc qcopt LIBRARY DESTINATION ${home}/device/vendor/lib64 COMPONENT tools)
 install(DIRECTORY ${CMAKE_BINARY_DIR}/share/dvxd DESTINATION ${home}/share COMPONENT tools)
+install(DIRECTORY DESTINATION bin COMPONENT tools)
+install(DIRECTORY DESTINATION sbin COMPONENT tools)
 install(CODE "
     set(prefix \$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX})
     foreach(link bin/dvxctl sbin/dvxd)
-        cmake_path(GET link PARENT_PATH folder)
         cmake_path(GET link FILENAME program)
-        file(MAKE_DIRECTORY \${prefix}/\${folder})
         file(CREATE_LINK ../${home}/bin/\${program} \${prefix}/\${link} SYMBOLIC)
     endforeach()" COMPONENT tools)
 
@@ -27,9 +32,9 @@ endif()
 find_program(GZIP gzip REQUIRED)
 add_custom_command(OUTPUT ${pages}/dvxctl.1
     COMMAND dvxctl_pages ${pages} ${DATE}
-    COMMAND scripts/man-page docs/recordings.md dvx-recording 5 ${DATE} > ${pages}/dvx-recording.5
-    COMMAND scripts/man-page docs/scenarios.md dvx-scenario 5 ${DATE} > ${pages}/dvx-scenario.5
-    COMMAND sh -c "${GZIP} -9nkf ${pages}/*.[1358]"
+    COMMAND scripts/man-page docs/recordings.md dvx-recording 5 ${DATE} ${pages}/dvx-recording.5
+    COMMAND scripts/man-page docs/scenarios.md dvx-scenario 5 ${DATE} ${pages}/dvx-scenario.5
+    COMMAND sh -c "cd \"$1\" && \"$2\" -9nkf *.[1358]" sh ${pages} ${GZIP}
     DEPENDS dvxctl_pages scripts/man-page docs/recordings.md docs/scenarios.md
         packaging/man/dvxd.8 packaging/man/dvx_client.h.3
     WORKING_DIRECTORY ${CMAKE_SOURCE_DIR} VERBATIM)
@@ -88,7 +93,8 @@ foreach(package tools:dvxd-tools client:libdvx-client-dev)
     set(folder ${CMAKE_CURRENT_BINARY_DIR}/doc/${name})
     add_custom_command(OUTPUT ${folder}/changelog.gz
         COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
-        COMMAND sh -c "scripts/debian-changelog ${name} '${CPACK_PACKAGE_CONTACT}' | ${GZIP} -9n > ${folder}/changelog.gz"
+        COMMAND sh -c "scripts/debian-changelog \"$1\" \"$2\" | \"$3\" -9n >\"$4\"" sh
+            ${name} ${CPACK_PACKAGE_CONTACT} ${GZIP} ${folder}/changelog.gz
         DEPENDS CHANGELOG.md scripts/debian-changelog VERBATIM WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
     add_custom_target(changelog_${component} DEPENDS ${folder}/changelog.gz)
     list(APPEND changelogs changelog_${component})

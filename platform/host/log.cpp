@@ -11,7 +11,6 @@
 
 #include "platform/host/held_write.h"
 #include "platform/host/recording.h"
-#include "platform/host/standard_files.h"
 
 namespace {
 
@@ -59,11 +58,6 @@ void flush(output *out) {
     const ssize_t count = write_held(STDERR_FILENO, out->text, out->used);
     out->written = count < 0 || out->written < 0 ? -1 : out->written + count;
     out->used = 0;
-}
-
-// Before what else runs before `main`: the log is not to end in the daemon's own socket.
-[[gnu::constructor(101)]] void take_up_standard_files() {
-    standard_files_take_up();
 }
 
 }  // namespace

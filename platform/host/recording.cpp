@@ -17,6 +17,7 @@
 #include "client/dvx_client.h"
 #include "platform/host/held_write.h"
 #include "platform/host/json_text.h"
+#include "platform/host/standard_files.h"
 #include "platform/host/turns.h"
 #include "platform/recording.h"
 
@@ -144,7 +145,9 @@ const char *open_empty(const char *path) {
     return !S_ISREG(status.st_mode) ? other : file.fd < 0 ? strerror(errno) : nullptr;
 }
 
+// The first thing that the daemon does.
 bool open_file() {
+    standard_files_take_up();
     const char *path = getenv("DVXD_RECORD");
     if (path == nullptr || path[0] == '\0')
         return false;

@@ -53,6 +53,12 @@ void connection_refuse_descriptors(int listening_fd) {
     setsockopt(listening_fd, SOL_SOCKET, so_passrights, &refused, sizeof(refused));
 }
 
+bool connection_refuses_descriptors(int accepted_fd) {
+    int passed = 1;
+    socklen_t size = sizeof(passed);
+    return getsockopt(accepted_fd, SOL_SOCKET, so_passrights, &passed, &size) == 0 && passed == 0;
+}
+
 long connection_receive(int fd, void *bytes, size_t size) {
     iovec part = {bytes, size};
     msghdr beside = {};

@@ -1,5 +1,5 @@
 // Connections whose peer may send descriptors beside its bytes. Dropping the last reference to one
-// can take as long as the peer likes: a TCP socket with unsent data lingers for up to 18 hours, on
+// can take as long as the peer likes: a TCP socket with unsent data lingers for a day and more, on
 // the thread that drops it. So nobody here lets go of a descriptor from outside on the thread that
 // serves.
 //
@@ -9,8 +9,12 @@
 #include <cstddef>
 
 // Has the kernel refuse descriptors to whoever connects to a listening socket from now on: sending
-// one fails. Kernels before 6.16 cannot, and nothing else depends on it.
+// one fails. Kernels before 6.16 cannot.
 void connection_refuse_descriptors(int listening_fd);
+
+// Whether the kernel has done so for a connection from its beginning: it may be received from and
+// closed as any other then, which spares three calls to the system.
+bool connection_refuses_descriptors(int accepted_fd);
 
 // Receives once, as recv does without flags, but leaves the bytes that carry descriptors where they
 // are, for connection_close. The count of bytes, 0 at the end, or -1 with errno set.

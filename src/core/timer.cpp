@@ -75,6 +75,36 @@ void fire(uint32_t slot) {
     timers.slots[slot] = nullptr;
 }
 
+// Runs what is due. Whether a timer is still armed, 1 or 0.
+int scan_slots(bool *fired) {
+    const int64_t now = get_current_monotonic_ms();
+    pthread_mutex_lock(&timers.lock);
+    const bool backwards = now < timers.last_check_ms;
+    if (backwards)
+        log_info("Overflow release all");
+
+    int armed = 0;
+    *fired = false;
+    for (uint32_t slot = 0; slot < timer_slot_count; ++slot) {
+        const timer_entry *entry = timers.slots[slot];
+        if (entry == nullptr)
+            continue;
+        if (!backwards && entry->end > now) {
+            armed = 1;
+            continue;
+        }
+        if (!backwards)
+            log_debug(debug_features,
+                      "Timer for %d is exprired %" PRId64 "~%" PRId64 " for %" PRId64,
+                      static_cast<int>(slot), entry->start, entry->end, entry->end - entry->start);
+        fire(slot);
+        *fired = true;
+    }
+    timers.last_check_ms = now;
+    pthread_mutex_unlock(&timers.lock);
+    return armed;
+}
+
 }  // namespace
 
 int64_t get_current_monotonic_ms(void) {
@@ -114,43 +144,20 @@ int64_t timer_next_end_ms(void) {
 }
 
 int check_expired_work(void) {
-    const int64_t now = get_current_monotonic_ms();
-    pthread_mutex_lock(&timers.lock);
-    const bool backwards = now < timers.last_check_ms;
-    if (backwards)
-        log_info("Overflow release all");
-
-    int armed = 0;
-    for (uint32_t slot = 0; slot < timer_slot_count; ++slot) {
-        const timer_entry *entry = timers.slots[slot];
-        if (entry == nullptr)
-            continue;
-        if (backwards) {
-            fire(slot);
-        } else if (entry->end <= now) {
-            log_debug(debug_features,
-                      "Timer for %d is exprired %" PRId64 "~%" PRId64 " for %" PRId64,
-                      static_cast<int>(slot), entry->start, entry->end, entry->end - entry->start);
-            fire(slot);
-        } else {
-            armed = 1;
-        }
-    }
-    timers.last_check_ms = now;
-    pthread_mutex_unlock(&timers.lock);
-    return armed;
+    bool fired;
+    return scan_slots(&fired);
 }
 
-int64_t timer_round_us(void) {
-    return check_expired_work() != 0 ? armed_sleep_us : idle_sleep_us;
+int64_t timer_round_us(bool *fired) {
+    return scan_slots(fired) != 0 ? armed_sleep_us : idle_sleep_us;
 }
 
 void *do_timer(void *) {
     for (;;) {
+        bool fired = false;
         recording_begin(recorded_timers);
-        const int64_t next_ms = timer_next_end_ms();
-        const int64_t pause_us = timer_round_us();
-        recording_end(timer_next_end_ms() != next_ms);
+        const int64_t pause_us = timer_round_us(&fired);
+        recording_end(fired);
         clock_sleep_us(pause_us);
     }
 }

@@ -35,8 +35,9 @@ int64_t timer_next_end_ms(void);
 // One scan of the slots by the timer thread: runs what is due. 1 if a timer is still armed, else 0.
 int check_expired_work(void);
 
-// One round of the timer thread: a scan, and how long to sleep until the next, in microseconds.
-int64_t timer_round_us(void);
+// One round of the timer thread: a scan, whether it ran anything, and how long to sleep until the
+// next, in microseconds.
+int64_t timer_round_us(bool *fired);
 
 // The timer thread.
 void *do_timer(void *);

@@ -18,7 +18,7 @@ constexpr int32_t extreme_fps = 30;
 constexpr int32_t no_cap = -1;
 
 constinit struct {
-    bool lpm_supported = false;  // set at load time, before there is another thread
+    bool lpm_supported = false;  // set at load time; the thermal check alone runs beside
     pthread_mutex_t lpm_lock = PTHREAD_MUTEX_INITIALIZER;
     int32_t lpm_on = 0;    // under lpm_lock
     int32_t lpm_mode = 0;  // under lpm_lock

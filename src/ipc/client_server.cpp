@@ -45,12 +45,13 @@ client_handler find_handler(const char *client) {
     return record != nullptr ? record->handler : nullptr;
 }
 
-void receive_message(int fd) {
+void receive_message(int fd, bool refuses) {
     dvx_message message = {};
     setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &receive_timeout, sizeof(receive_timeout));
     long count;
     do
-        count = connection_receive(fd, &message, sizeof(message));
+        count = refuses ? recv(fd, &message, sizeof(message), 0)
+                        : connection_receive(fd, &message, sizeof(message));
     while (count < 0 && errno == EINTR);  // also when the process was stopped and goes on
     if (count <= 0) {
         log_error("%s recv failed\n", "recv_data_from_client");
@@ -104,8 +105,12 @@ void serve_client(int listening_fd) {
         clock_sleep_us(accept_pause_us);
         return;
     }
-    receive_message(fd);
-    connection_close(fd);
+    const bool refuses = connection_refuses_descriptors(fd);
+    receive_message(fd, refuses);
+    if (refuses)
+        close(fd);
+    else
+        connection_close(fd);
 }
 
 void *do_listen_client_fd(void *) {

@@ -23,8 +23,8 @@ int outbound_connect(outbound_service *service) {
     if (get_current_monotonic_ms() < service->shunned_ms.load(std::memory_order_relaxed))
         return -1;
     // The platform's connect knows no limit, so it is asked not to wait at all. The pauses grow
-    // from a millisecond, as a queue that is full for a moment is the usual case; they are counted
-    // as well as timed, so that they end where time stands still.
+    // from two milliseconds, as a queue that is full for a moment is the usual case; they are
+    // counted as well as timed, so that they end where time stands still.
     const int64_t deadline_ms = get_current_monotonic_ms() + patience_ms;
     int64_t pause_ms = 1;
     for (int64_t waited_ms = 0;; waited_ms += pause_ms) {

@@ -20,6 +20,8 @@ void map(whole_file *file, int fd, size_t size) {
         file->error = strerror(errno);
     else
         file->text = {static_cast<const char *>(start), size};
+    if (start != MAP_FAILED && start != nullptr)
+        file->mapped = {start, [size](void *mapped) { munmap(mapped, size); }};
 }
 
 void read_pipe(whole_file *file, int fd) {

@@ -6,8 +6,9 @@
 #include <string_view>
 
 struct whole_file {
-    std::string_view text;  // for as long as the program runs where it is mapped
+    std::string_view text;  // for as long as this record, or one that it was moved to
     std::string error;      // empty, or why it cannot be read
+    std::shared_ptr<const void> mapped;
     std::unique_ptr<std::string> piped;
 };
 

@@ -26,7 +26,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr char marker[] = ".dvx-device";  // holds hardware.conf as the tools wrote it last
 constexpr char started_line[] = "Halvane Start Successfully.";
 
 // What the stand-ins of a fresh device answer, so that every feature finds what it looks for.
@@ -48,7 +47,7 @@ bool write_file(const std::string &path, const std::string &content) {
 
 // Writes hardware.conf, and beside it what it says, by which a person's changes are known.
 bool write_conf(const std::string &root, const std::string &content) {
-    return write_file(root + device_conf, content) && write_file(root + "/" + marker, content);
+    return write_file(root + device_conf, content) && write_file(root + device_marker, content);
 }
 
 std::string directory_of_program() {
@@ -59,7 +58,7 @@ std::string directory_of_program() {
 // Empty where `root` may be replaced, else why not.
 std::string check_replaceable(const fs::path &root) {
     std::error_code error;
-    if (!fs::exists(root, error) || fs::exists(root / marker, error))
+    if (!fs::exists(root, error) || fs::exists(root.string() + device_marker, error))
         return {};
     if (!fs::is_directory(root, error))
         return root.string() + " is not a directory";
@@ -159,7 +158,7 @@ std::string device_image_path(void) {
 bool device_conf_is_own(const std::string &root) {
     const std::string conf = device_read_file(root + device_conf);
     return device_exists(root) && conf != default_conf &&
-           conf != device_read_file(root + "/" + marker);
+           conf != device_read_file(root + device_marker);
 }
 
 std::string device_create(const std::string &root, const std::string &image, bool keep_conf) {
@@ -187,7 +186,7 @@ std::string device_create(const std::string &root, const std::string &image, boo
         fs::copy(image, root, fs::copy_options::recursive, error);
     if (error)
         return "cannot lay out " + root + ": " + error.message();
-    if ((own_conf ? !write_file(root + "/" + marker, "") : !write_conf(root, default_conf)) ||
+    if ((own_conf ? !write_file(root + device_marker, "") : !write_conf(root, default_conf)) ||
         !write_file(root + device_calls_log, "") || !write_file(root + device_messages_log, "") ||
         !write_file(root + device_daemon_log, "") || !write_file(root + device_services_log, "") ||
         !write_file(root + "/properties/ro.vendor.extension_library",
@@ -207,7 +206,7 @@ void device_keep_recording(const std::string &root) {
 
 bool device_exists(const std::string &root) {
     std::error_code error;
-    return fs::exists(root + "/" + marker, error);
+    return fs::exists(root + device_marker, error);
 }
 
 std::string device_property(const std::string &root, const std::string &name) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 // Files of a device root, below it.
+inline constexpr char device_marker[] = "/.dvx-device";  // hardware.conf as the tools wrote it last
 inline constexpr char device_calls_log[] = "/calls.log";        // what the libraries were asked
 inline constexpr char device_messages_log[] = "/messages.log";  // what dvxctl sent
 inline constexpr char device_daemon_log[] = "/dvxd.log";        // standard error of the daemon

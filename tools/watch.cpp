@@ -63,6 +63,8 @@ bool take_changes(watcher *wake) {
             const auto *event = reinterpret_cast<const inotify_event *>(notices + at);
             wake->gone |= event->wd == wake->root_watch &&
                           (event->mask & (IN_DELETE_SELF | IN_MOVE_SELF)) != 0;
+            wake->gone |= event->len > 0 && (event->mask & IN_DELETE) != 0 &&
+                          strcmp(event->name, device_marker + 1) == 0;
             conf |= event->len > 0 && strcmp(event->name, device_conf + 1) == 0;
             at += static_cast<ssize_t>(sizeof(*event) + event->len);
         }

@@ -80,7 +80,7 @@ TEST(Messages, AreDescribedInTheWordsThatSendThem) {
         {make_message("lowpowermode", 0, {}), "lpm off  (lowpowermode 0)"},
         {make_message("automode", 0, {3}), "automode resume  (automode 0 3)"},
         {make_text_message("powerhal", 15, "2:com.home"), "home 2 com.home  (powerhal 15)"},
-        {make_message("a-client-of-more-than-19", 8, {}), "raw a-client-of-more-th 8"}};
+        {make_message("a-client-of-more-than-19", 8, {}), "raw a-client-of-more-tha 8"}};
     for (const auto &[message, words] : described)
         EXPECT_EQ(describe_message(message, false), words);
     EXPECT_EQ(describe_message(make_text_message("powerhal", 4, std::string(300, 'w')), true),

@@ -9,6 +9,7 @@ add_library(dvx_platform STATIC
     platform/host/properties.cpp
     platform/host/property_files.cpp
     platform/host/recording.cpp
+    platform/host/recording_file.cpp
     platform/host/sockets.cpp
     platform/host/standard_files.cpp
     platform/host/thread.cpp

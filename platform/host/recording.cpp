@@ -1,22 +1,18 @@
 #include "platform/host/recording.h"
 
 #include <dlfcn.h>
-#include <errno.h>
-#include <fcntl.h>
 #include <pthread.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <sys/stat.h>
 #include <time.h>
-#include <unistd.h>
 
 #include <map>
 #include <string>
 
 #include "client/dvx_client.h"
-#include "platform/host/held_write.h"
 #include "platform/host/json_text.h"
+#include "platform/host/recording_file.h"
 #include "platform/host/standard_files.h"
 #include "platform/host/turns.h"
 #include "platform/recording.h"
@@ -24,7 +20,6 @@
 namespace {
 
 constexpr int format_version = 1;
-constexpr size_t size_max = size_t{2} << 30;  // bytes; days of a game
 
 // The happening that is under way, and what was answered last under each name.
 struct happening_state {
@@ -44,55 +39,12 @@ constinit struct {
     happening_state *now = nullptr;                    // under `lock`; made when the file is opened
 } recording;
 
-// Threads write while they are at a happening and while they are at none.
-constinit struct {
-    pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;  // the innermost
-    int fd = -1;                                       // the rest under `lock`
-    size_t size = 0;
-} file;
-
 thread_local bool at_happening = false;
 
 int64_t read_clock_ns(clockid_t clock) {
     timespec now;
     clock_gettime(clock, &now);
     return static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec;
-}
-
-void complain(const std::string &reason) {
-    const std::string line = "dvxd: " + reason + "\n";
-    write_held(STDERR_FILENO, line.data(), line.size());
-}
-
-// Writes everything, or nothing: what does not fit whole is taken back. 0 or an errno value.
-int write_whole(const std::string &lines) {
-    if (file.size + lines.size() > size_max)
-        return EFBIG;
-    for (size_t done = 0; done < lines.size();) {
-        const ssize_t count = write_held(file.fd, lines.data() + done, lines.size() - done);
-        if (count >= 0) {
-            done += static_cast<size_t>(count);
-        } else if (errno != EINTR) {
-            const int error = errno;
-            [[maybe_unused]] const int cut = ftruncate(file.fd, static_cast<off_t>(file.size));
-            return error;
-        }
-    }
-    file.size += lines.size();
-    return 0;
-}
-
-// A file that takes no more, or has become too large, ends with its last whole line; the daemon
-// goes on.
-void write_lines(const std::string &lines) {
-    pthread_mutex_lock(&file.lock);
-    const int error = file.fd >= 0 ? write_whole(lines) : 0;
-    if (error != 0) {
-        complain(std::string("the recording ends here: ") + strerror(error));
-        close(file.fd);
-        file.fd = -1;
-    }
-    pthread_mutex_unlock(&file.lock);
 }
 
 void append_text(std::string *line, const char *name, const char *text) {
@@ -111,51 +63,12 @@ std::string begin_line(int64_t time_ns, const char *thread) {
     return line;
 }
 
-// A file of the recording's own beside a path whose file somebody may be reading, in its place. A
-// descriptor, or -1 with errno set.
-int open_in_place(const char *path) {
-    std::string beside = std::string(path) + ".XXXXXX";
-    const int fd = mkostemp(beside.data(), O_APPEND | O_CLOEXEC);
-    if (fd < 0)
-        return -1;
-    fchmod(fd, 0644);
-    if (rename(beside.c_str(), path) == 0)
-        return fd;
-    const int error = errno;
-    unlink(beside.c_str());
-    close(fd);
-    errno = error;
-    return -1;
-}
-
-// Opens a regular file that is empty. Nothing is waited for: a pipe without a reader would be.
-// Null, or why it cannot be had.
-const char *open_empty(const char *path) {
-    static constexpr char other[] = "it is no regular file";
-    struct stat status = {};
-    if (stat(path, &status) == 0 && !S_ISREG(status.st_mode))
-        return other;
-    file.fd = open(path, O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0644);
-    if (file.fd < 0 || fstat(file.fd, &status) != 0)
-        return strerror(errno);
-    if (S_ISREG(status.st_mode) && status.st_size == 0)
-        return nullptr;
-    close(file.fd);
-    file.fd = S_ISREG(status.st_mode) ? open_in_place(path) : -1;
-    return !S_ISREG(status.st_mode) ? other : file.fd < 0 ? strerror(errno) : nullptr;
-}
-
 // The first thing that the daemon does.
 bool open_file() {
     standard_files_take_up();
     const char *path = getenv("DVXD_RECORD");
-    if (path == nullptr || path[0] == '\0')
+    if (path == nullptr || path[0] == '\0' || !recording_file_open(path))
         return false;
-    const char *wrong = open_empty(path);
-    if (wrong != nullptr) {
-        complain(std::string("cannot record to ").append(path) + ": " + wrong);
-        return false;
-    }
     recording.now = new happening_state{};
     std::string header = "{\"dvx_recording\":";
     header += std::to_string(format_version);
@@ -165,7 +78,7 @@ bool open_file() {
     append_number(&header, "wall_ns", read_clock_ns(CLOCK_REALTIME));
     const char *root = getenv("DVXD_ROOT");
     append_text(&header, "root", root != nullptr ? root : "");
-    write_lines(header + "}\n");
+    recording_file_write(header + "}\n");
     recording_observe_library(RTLD_DEFAULT);
     return true;
 }
@@ -189,7 +102,7 @@ void note_output(const char *name, const char *text, const std::string &more = {
     if (inside)
         recording.now->out += line;
     else
-        write_lines(line);
+        recording_file_write(line);
 }
 
 // Counts a question; its number where somebody is at a happening, else -1.
@@ -306,7 +219,7 @@ void recording_end(bool happened) {
         std::string lines = begin_line(now.begin_ns, recorded_words[now.kind].thread);
         append_text(&lines, "in", recorded_words[now.kind].word);
         append_taken(&lines);
-        write_lines(lines + "}\n" + now.out);
+        recording_file_write(lines + "}\n" + now.out);
     }
     at_happening = false;
     pthread_mutex_unlock(&recording.lock);

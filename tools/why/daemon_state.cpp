@@ -197,20 +197,8 @@ void take_timer_line(daemon_state *state, log_line id, const std::vector<std::st
     }
 }
 
-void take_line(daemon_state *state, log_line id, const std::vector<std::string> &values) {
+void take_rate_line(daemon_state *state, log_line id, const std::vector<std::string> &values) {
     switch (id) {
-        case line_started:
-            state->served_ns = state->now_ns;
-            break;
-        case line_window_in_front:
-            state->window = values.at(0);
-            break;
-        case line_app_in_front:
-            state->app = values.at(0);
-            break;
-        case line_policy_state:
-            state->policy = values.at(0);
-            break;
         case line_requestor_listed:
             if (is_requestor(number(values, 1)) && number(values, 1) != requestor_image_enhance)
                 state->requests[number(values, 1)] = {number(values, 2), number(values, 3) != 0};
@@ -224,6 +212,25 @@ void take_line(daemon_state *state, log_line id, const std::vector<std::string> 
             state->rate_winner = number(values, 1);
             if (is_requestor(number(values, 1)))
                 state->requests[number(values, 1)] = {number(values, 0), true};
+            break;
+        default:
+            break;
+    }
+}
+
+void take_line(daemon_state *state, log_line id, const std::vector<std::string> &values) {
+    switch (id) {
+        case line_started:
+            state->served_ns = state->now_ns;
+            break;
+        case line_window_in_front:
+            state->window = values.at(0);
+            break;
+        case line_app_in_front:
+            state->app = values.at(0);
+            break;
+        case line_policy_state:
+            state->policy = values.at(0);
             break;
         case line_automode_command:
             if (number(values, 0) == 0 || number(values, 0) == 1)
@@ -256,6 +263,7 @@ void take_line(daemon_state *state, log_line id, const std::vector<std::string> 
             state->services["gbm-client"] = false;
             break;
         default:
+            take_rate_line(state, id, values);
             take_timer_line(state, id, values);
             take_measuring_line(state, id, values);
             break;

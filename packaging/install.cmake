@@ -2,10 +2,7 @@
 # and completions, made by the tool itself; the header for services by its own.
 set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)  # tests and benchmarks are for here
 set(home lib/dvxd)
-# Folders that packages have, whatever the mask of whoever builds them.
-set(CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE
-    GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS ${CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS})
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_SOURCE_DIR}/packaging/debian/folders.cmake)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(pages ${CMAKE_BINARY_DIR}/pages)
 

@@ -13,10 +13,10 @@
 #include "fia/interval_decision.h"
 #include "simulator/simulator.h"
 #include "tools/lab/run.h"
-#include "tools/messages.h"
-#include "tools/replay/apart.h"
-#include "tools/replay/recording_lines.h"
-#include "tools/replay/replay.h"
+#include "tools/recording/messages.h"
+#include "tools/recording/recording_lines.h"
+#include "tools/simulated/apart.h"
+#include "tools/simulated/replay.h"
 
 namespace {
 

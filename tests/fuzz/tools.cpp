@@ -1,5 +1,5 @@
-// What dvxctl reads: frame files, recordings, the daemon's log, scenarios, tables of games, files of
-// searches; and what its commands say of them.
+// What dvxctl reads: frame files, recordings, the daemon's log, scenarios, tables of games, files
+// of searches; and what its commands say of them.
 #include <stdio.h>
 #include <stdlib.h>
 #include <sys/mman.h>
@@ -7,18 +7,18 @@
 
 #include <sstream>
 
+#include "tools/explain/moments.h"
+#include "tools/explain/status.h"
+#include "tools/explain/why.h"
 #include "tools/frames/frame_figures.h"
 #include "tools/frames/frame_file.h"
 #include "tools/lab/model.h"
 #include "tools/lab/search.h"
-#include "tools/log_lines.h"
-#include "tools/replay/course.h"
+#include "tools/recording/log_lines.h"
+#include "tools/recording/timeline.h"
 #include "tools/report/report.h"
-#include "tools/scenario.h"
-#include "tools/timeline.h"
-#include "tools/why/moments.h"
-#include "tools/why/status.h"
-#include "tools/why/why.h"
+#include "tools/scenario/scenario.h"
+#include "tools/simulated/course.h"
 
 namespace {
 

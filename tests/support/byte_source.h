@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <random>
 
-#include "tools/messages.h"
+#include "tools/recording/messages.h"
 
 struct byte_source {
     const uint8_t *data;

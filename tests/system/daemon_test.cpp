@@ -12,7 +12,7 @@
 
 #include "device/virtual_device.h"
 #include "tests/support/test_device.h"
-#include "tools/messages.h"
+#include "tools/recording/messages.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include <thread>
 
 #include "tests/support/tool.h"
-#include "tools/delivery.h"
-#include "tools/messages.h"
-#include "tools/timeline.h"
+#include "tools/device/delivery.h"
+#include "tools/recording/messages.h"
+#include "tools/recording/timeline.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include "device/hardware_conf.h"
 #include "simulator/allocation.h"
 #include "simulator/simulator.h"
-#include "tools/players.h"
+#include "tools/scenario/players.h"
 
 namespace {
 

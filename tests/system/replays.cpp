@@ -17,8 +17,8 @@
 #include "tests/support/byte_source.h"
 #include "tests/support/service_socket.h"
 #include "tests/support/test_device.h"
-#include "tools/replay/apart.h"
-#include "tools/replay/replay.h"
+#include "tools/simulated/apart.h"
+#include "tools/simulated/replay.h"
 
 namespace {
 

@@ -19,8 +19,8 @@
 #include "tests/support/load.h"
 #include "tests/support/service_socket.h"
 #include "tests/support/test_device.h"
-#include "tools/messages.h"
-#include "tools/play.h"
+#include "tools/recording/messages.h"
+#include "tools/scenario/play.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <regex>
 
-#include "tools/log_lines.h"
+#include "tools/recording/log_lines.h"
 
 namespace {
 

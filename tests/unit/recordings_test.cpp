@@ -5,10 +5,10 @@
 #include <fstream>
 
 #include "platform/host/json_text.h"
-#include "tools/logcat.h"
-#include "tools/replay/settings.h"
-#include "tools/why/moments.h"
-#include "tools/why/why.h"
+#include "tools/explain/moments.h"
+#include "tools/explain/why.h"
+#include "tools/recording/logcat.h"
+#include "tools/simulated/settings.h"
 
 namespace {
 

@@ -3,11 +3,11 @@
 
 #include <sstream>
 
-#include "tools/effects.h"
-#include "tools/messages.h"
-#include "tools/scenario.h"
-#include "tools/terminal.h"
-#include "tools/timeline.h"
+#include "tools/base/terminal.h"
+#include "tools/recording/effects.h"
+#include "tools/recording/messages.h"
+#include "tools/recording/timeline.h"
+#include "tools/scenario/scenario.h"
 
 namespace {
 

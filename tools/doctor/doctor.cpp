@@ -14,15 +14,15 @@
 
 #include "device/virtual_device.h"
 #include "fia/records.h"
-#include "tools/daemon_process.h"
-#include "tools/delivery.h"
+#include "tools/base/daemon_process.h"
+#include "tools/base/exit_status.h"
+#include "tools/base/json.h"
+#include "tools/base/shown.h"
+#include "tools/base/terminal.h"
+#include "tools/device/delivery.h"
 #include "tools/doctor/elf_symbols.h"
 #include "tools/doctor/phone.h"
 #include "tools/doctor/touched.h"
-#include "tools/exit_status.h"
-#include "tools/json.h"
-#include "tools/shown.h"
-#include "tools/terminal.h"
 
 using nlohmann::ordered_json;
 

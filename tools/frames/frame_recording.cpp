@@ -2,8 +2,8 @@
 
 #include <charconv>
 
+#include "tools/base/json.h"
 #include "tools/frames/frame_formats.h"
-#include "tools/json.h"
 
 using nlohmann::ordered_json;
 

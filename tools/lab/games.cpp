@@ -6,8 +6,8 @@
 #include <map>
 
 #include "device/virtual_device.h"
+#include "tools/base/whole_file.h"
 #include "tools/lab/model.h"
-#include "tools/whole_file.h"
 
 namespace {
 

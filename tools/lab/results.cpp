@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <string>
 
-#include "tools/shown.h"
-#include "tools/terminal.h"
+#include "tools/base/shown.h"
+#include "tools/base/terminal.h"
 
 namespace {
 

@@ -9,13 +9,13 @@
 #include <utility>
 
 #include "device/virtual_device.h"
-#include "tools/json.h"
-#include "tools/messages.h"
-#include "tools/output_file.h"
-#include "tools/replay/apart.h"
-#include "tools/replay/recording_lines.h"
-#include "tools/replay/settings.h"
-#include "tools/replay/simulated.h"
+#include "tools/base/json.h"
+#include "tools/base/output_file.h"
+#include "tools/recording/messages.h"
+#include "tools/recording/recording_lines.h"
+#include "tools/simulated/apart.h"
+#include "tools/simulated/settings.h"
+#include "tools/simulated/simulated.h"
 
 using nlohmann::ordered_json;
 

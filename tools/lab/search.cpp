@@ -10,12 +10,12 @@
 #include <set>
 
 #include "device/virtual_device.h"
-#include "tools/exit_status.h"
-#include "tools/json.h"
-#include "tools/output_file.h"
-#include "tools/replay/settings.h"
-#include "tools/shown.h"
-#include "tools/whole_file.h"
+#include "tools/base/exit_status.h"
+#include "tools/base/json.h"
+#include "tools/base/output_file.h"
+#include "tools/base/shown.h"
+#include "tools/base/whole_file.h"
+#include "tools/simulated/settings.h"
 
 using nlohmann::ordered_json;
 

@@ -1,6 +1,6 @@
 #include "tools/lab/table.h"
 
-#include "tools/replay/settings.h"
+#include "tools/simulated/settings.h"
 
 std::string figures_source(const simulated_figures &figures) {
     std::string source =

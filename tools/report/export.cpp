@@ -3,13 +3,13 @@
 
 #include <cmath>
 
-#include "tools/exit_status.h"
-#include "tools/json.h"
-#include "tools/output_file.h"
+#include "tools/base/exit_status.h"
+#include "tools/base/json.h"
+#include "tools/base/output_file.h"
+#include "tools/base/shown.h"
+#include "tools/explain/moments.h"
 #include "tools/report/report.h"
 #include "tools/report/run_data.h"
-#include "tools/shown.h"
-#include "tools/why/moments.h"
 
 using nlohmann::ordered_json;
 

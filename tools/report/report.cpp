@@ -1,6 +1,6 @@
 #include "tools/report/report.h"
-#include "tools/output_file.h"
-#include "tools/shown.h"
+#include "tools/base/output_file.h"
+#include "tools/base/shown.h"
 
 #include <stdio.h>
 
@@ -10,12 +10,12 @@
 #include <nlohmann/json.hpp>
 
 #include "device/virtual_device.h"
-#include "tools/exit_status.h"
+#include "tools/base/exit_status.h"
+#include "tools/explain/moments.h"
 #include "tools/frames/frame_file.h"
-#include "tools/replay/course.h"
-#include "tools/replay/settings.h"
 #include "tools/report/run_data.h"
-#include "tools/why/moments.h"
+#include "tools/simulated/course.h"
+#include "tools/simulated/settings.h"
 
 using nlohmann::ordered_json;
 

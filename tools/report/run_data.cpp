@@ -6,8 +6,8 @@
 #include <nlohmann/json.hpp>
 
 #include "tools/frames/frame_figures.h"
-#include "tools/messages.h"
-#include "tools/replay/settings.h"
+#include "tools/recording/messages.h"
+#include "tools/simulated/settings.h"
 
 using nlohmann::ordered_json;
 

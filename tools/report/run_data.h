@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "tools/replay/run_figures.h"
-#include "tools/why/daemon_state.h"
-#include "tools/why/why.h"
+#include "tools/explain/daemon_state.h"
+#include "tools/explain/why.h"
+#include "tools/simulated/run_figures.h"
 
 // A stretch of time in which something held.
 struct report_band {

@@ -1,0 +1,225 @@
+#include "tools/commands/lab_commands.h"
+
+#include <stdio.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <thread>
+
+#include "tools/base/exit_status.h"
+#include "tools/base/json.h"
+#include "tools/base/output_file.h"
+#include "tools/base/shown.h"
+#include "tools/base/words.h"
+#include "tools/commands/command_line.h"
+#include "tools/frames/frame_file.h"
+#include "tools/lab/results.h"
+#include "tools/lab/search.h"
+#include "tools/lab/table.h"
+#include "tools/simulated/settings.h"
+
+namespace {
+
+// What the words of the command line say.
+struct arguments {
+    std::vector<std::string> games;
+    std::string games_file;
+    std::vector<std::string> settings;
+    std::string picks = "eager";
+    std::string vary_from;
+    std::string out;
+    std::vector<std::string> files;
+    bool json = false;
+    lab_setup setup;
+    search_options search;
+};
+
+// Keeps the games that were asked for. Empty, or what is wrong.
+std::string choose_games(const std::vector<std::string> &names, std::vector<game_work> *games) {
+    std::vector<game_work> chosen;
+    for (const std::string &name : names) {
+        const auto found = std::find_if(games->begin(), games->end(),
+                                        [&](const game_work &game) { return game.name == name; });
+        if (found == games->end()) {
+            std::vector<std::string> known;
+            for (const game_work &game : *games)
+                known.push_back(game.name);
+            const std::string nearest = nearest_word(name, known);
+            return "no game is named '" + name + "'" +
+                   (nearest.empty() ? "" : ", did you mean '" + nearest + "'?");
+        }
+        chosen.push_back(*found);
+    }
+    if (!chosen.empty())
+        *games = chosen;
+    return {};
+}
+
+// Lets work vary as the intervals of a file do around their median. Empty, or what is wrong.
+std::string vary_as(const std::string &path, variation *varies) {
+    frame_file frames = frame_file_read(path, {});
+    if (!frames.error.empty())
+        return path + ": " + frames.error;
+    std::vector<double> sorted = frames.intervals_us;
+    const auto middle = sorted.begin() + static_cast<long>(sorted.size() / 2);
+    std::nth_element(sorted.begin(), middle, sorted.end());
+    for (double &interval_us : frames.intervals_us)
+        interval_us /= *middle;
+    varies->factors = std::move(frames.intervals_us);
+    return {};
+}
+
+// Brings what was given into the setup. Empty, or what is wrong.
+std::string prepare(arguments *given) {
+    lab_setup *setup = &given->setup;
+    const std::string path = given->games_file.empty() ? games_path() : given->games_file;
+    game_list list = games_read(path);
+    if (!list.error.empty())
+        return path + ": " + list.error;
+    setup->games = std::move(list.games);
+    std::string wrong = choose_games(given->games, &setup->games);
+    for (const std::string &setting : given->settings)
+        if (wrong.empty())
+            wrong = setting_apply_text(&setup->figures, setting);
+    if (wrong.empty())
+        wrong = settings_check(setup->figures);
+    setup->picks = given->picks == "fit"   ? governor_fit
+                   : given->picks == "max" ? governor_max
+                                           : governor_eager;
+    if (wrong.empty() && !given->vary_from.empty())
+        wrong = vary_as(given->vary_from, &setup->varies);
+    std::error_code error;
+    if (!setup->record.empty() && !std::filesystem::is_directory(setup->record, error) &&
+        !std::filesystem::create_directories(setup->record, error))
+        return "cannot make the directory " + setup->record;
+    for (const game_work &game : setup->games)
+        if (!setup->record.empty() && game.name.find('/') != std::string::npos)
+            return "a recording cannot be named '" + game.name + "'";
+    return wrong;
+}
+
+int run_lab(arguments *given) {
+    const std::string wrong = prepare(given);
+    if (!wrong.empty())
+        return refuse(wrong);
+    const std::vector<game_result> results = lab_run(given->setup);
+    for (const game_result &result : results)
+        if (!result.error.empty())
+            return refuse(result.game + ": the simulated daemon " + result.error);
+    for (const game_result &result : results)
+        if (!result.unwritten.empty())
+            return fail("cannot write " + result.unwritten);
+    if (given->json)
+        for (const game_result &result : results)
+            printf("%s\n", json_write(lab_describe(result)).c_str());
+    else
+        print_results(results);
+    const bool left = std::any_of(results.begin(), results.end(),
+                                  [](const game_result &result) { return result.caps_left; });
+    return left ? exit_found : 0;
+}
+
+int run_search(arguments *given) {
+    const std::string wrong = prepare(given);
+    if (!wrong.empty())
+        return refuse(wrong);
+    given->search.json = given->json;
+    given->search.inputs = {given->games_file, given->vary_from};
+    return search_command(given->setup, given->search);
+}
+
+int write_table(arguments *given) {
+    const std::string wrong = prepare(given);
+    if (!wrong.empty())
+        return refuse(wrong);
+    const std::string unwritten = output_whole(given->out, figures_source(given->setup.figures));
+    if (!unwritten.empty())
+        return fail("cannot write " + unwritten);
+    printf("%s: the daemon's table; it takes the place of src/fia/freq_tables.cpp\n",
+           shown(given->out).c_str());
+    return 0;
+}
+
+void add_model_options(CLI::App *command, arguments *given) {
+    command->add_option("--game", given->games, "That game alone; may be given again")
+        ->allow_extra_args(false);
+    command->add_option("--games", given->games_file, "Games as a table, as the lab's own");
+    command->add_option("--minutes", given->setup.minutes, "How long each is played")
+        ->check(CLI::Range(0.1, 600.0))
+        ->capture_default_str();
+    command->add_option("--seed", given->setup.seed, "Of everything that varies")
+        ->capture_default_str();
+    command->add_option("--panel", given->setup.panel_hz, "The panel's real rate, in Hz")
+        ->check(CLI::Range(24.0, 240.0))
+        ->capture_default_str();
+    command->add_option("--governor", given->picks, "Who picks frequencies below the caps")
+        ->check(CLI::IsMember({"fit", "eager", "max"}))
+        ->capture_default_str();
+    command
+        ->add_option("--buffers", given->setup.varies.buffers,
+                     "2: a frame is begun when the last is seen; 3: one is drawn ahead")
+        ->check(CLI::Range(2, 3))
+        ->capture_default_str();
+    command->add_option("--vary-from", given->vary_from,
+                        "Let work vary as the frame times of this file do around their median");
+    command->add_option("--jobs", given->setup.jobs, "Games at once; one a core where not given")
+        ->check(CLI::Range(1, 1024));
+    command->add_flag("--json", given->json, "An object a game, or a set");
+}
+
+void add_set_option(CLI::App *command, arguments *given) {
+    command->add_option("--set", given->settings, "NAME=VALUE: another figure of the analyser")
+        ->allow_extra_args(false);
+}
+
+}  // namespace
+
+void add_lab_commands(CLI::App *app, const std::string *, int *exit_code) {
+    auto given = std::make_shared<arguments>();
+    given->setup.jobs = static_cast<int>(std::max(std::thread::hardware_concurrency(), 1u));
+    CLI::App *lab =
+        app->add_subcommand("lab", "Play games against the simulated daemon, in closed loop")
+            ->group("Lab");
+    add_model_options(lab, given.get());
+    add_set_option(lab, given.get());
+    lab->add_option("--record", given->setup.record, "A recording a game in this directory");
+    lab->require_subcommand(0, 1);
+    CLI::App *search = lab->add_subcommand("search", "Look for better figures of the analyser");
+    search->add_option("--vary", given->search.vary, "NAME=LO..HI[:STEP]; may be given again")
+        ->required()
+        ->allow_extra_args(false);
+    search
+        ->add_option("--max-loss", given->search.max_loss,
+                     "Frames per second that no game may lose more than")
+        ->capture_default_str();
+    search->add_option("--samples", given->search.samples, "How many sets are tried at most")
+        ->check(CLI::Range(1, 1000000))
+        ->capture_default_str();
+    search->add_option("--shard", given->search.shard, "K/N: every Nth set from the Kth on")
+        ->capture_default_str();
+    search->add_option("--out", given->search.out,
+                       "A line a set that was tried; one that exists is gone on with");
+    CLI::App *merge = lab->add_subcommand("merge", "Join what shards of a search have tried");
+    merge->add_option("FILE", given->files, "What --out of a search has written")->required();
+    merge->add_option("--max-loss", given->search.max_loss, "As of search")->capture_default_str();
+    CLI::App *table = lab->add_subcommand("table", "Write the daemon's table with these figures");
+    table->add_option("--out", given->out, "The source file")->required();
+    add_set_option(table, given.get());
+    std::string shared;
+    for (const CLI::Option *option : command_line_shared(search))
+        shared += (shared.empty() ? "" : ", ") + option->get_name();
+    search->footer("What dvxctl lab takes holds too: " + shared + ".");
+    merge->footer("With --json an object, as of search.");
+    lab->callback([=] {
+        if (search->parsed())
+            *exit_code = run_search(given.get());
+        else if (merge->parsed())
+            *exit_code = merge_command(given->files, given->search.max_loss, given->json);
+        else if (table->parsed())
+            *exit_code = write_table(given.get());
+        else
+            *exit_code = run_lab(given.get());
+    });
+}

@@ -1,0 +1,55 @@
+#include "tools/commands/replay_commands.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "tools/report/report.h"
+#include "tools/simulated/replay.h"
+
+namespace {
+
+struct arguments {
+    replay_options replay;
+    report_options report;
+    std::string file;
+    std::string format;
+    std::string out;
+};
+
+}  // namespace
+
+void add_replay_commands(CLI::App *parent, const std::string *, int *exit_code) {
+    auto given = std::make_shared<arguments>();
+    CLI::App *replay =
+        parent->add_subcommand("replay", "Let the daemon take up a recording once more, simulated")
+            ->group("Recordings");
+    replay->add_option("FILE", given->file, "A recording; - for standard input")->required();
+    replay->add_flag("--compare", given->replay.compare, "Hold what follows against the recording");
+    replay
+        ->add_option("--set", given->replay.settings, "NAME=VALUE: another figure of the analyser")
+        ->allow_extra_args(false);
+    replay->add_flag("--why", given->replay.why, "Each decision in a sentence");
+    replay->add_flag("--json", given->replay.json, "The figures as one JSON object");
+    replay->callback([=] { *exit_code = replay_command(given->file, given->replay); });
+    CLI::App *report =
+        parent->add_subcommand("report", "One page that shows what the daemon did to a game")
+            ->group("Recordings");
+    report->add_option("FILE", given->report.files, "A recording, or two to compare")
+        ->required()
+        ->expected(1, 2);
+    report->add_option("--out", given->report.out, "The page")->required();
+    report
+        ->add_option("--set", given->report.settings,
+                     "NAME=VALUE: the replay with another figure is the second")
+        ->allow_extra_args(false);
+    report->callback([=] { *exit_code = report_command(given->report); });
+    CLI::App *exported =
+        parent->add_subcommand("export", "A recording for other programs")->group("Recordings");
+    exported->add_option("FILE", given->file, "A recording; - for standard input")->required();
+    exported->add_option("--to", given->format, "trace: events for Perfetto; csv: tidy rows")
+        ->required()
+        ->check(CLI::IsMember({"trace", "csv"}));
+    exported->add_option("--out", given->out, "The file; else standard output");
+    exported->callback(
+        [=] { *exit_code = export_command(given->file, given->format, given->out); });
+}

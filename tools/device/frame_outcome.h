@@ -1,0 +1,36 @@
+// What follows from frames while they are played into a device: caps, measurements, janks, and
+// whether the analyser looked at them at all.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tools/recording/effects.h"
+#include "tools/recording/timeline.h"
+
+constexpr int frame_locks = 4;  // that suspend the analyser, by the numbers that its log has
+
+struct frame_outcome {
+    timeline line;
+    effects present;
+    std::map<std::string, std::vector<std::string>> caps;  // values by cap, the one before first
+    size_t complete = 0;                                   // measurements
+    size_t again = 0;                                      // measurements that began again
+    size_t given_up = 0;
+    size_t janks = 0;
+    bool locked[frame_locks] = {};  // now
+    bool blamed[frame_locks] = {};  // at some time since the beginning
+    bool ever_suspended = false;
+    bool ever_awake = false;
+};
+
+// Begins to look; what the device's files tell up to now is how things stand.
+frame_outcome frame_outcome_begin(const std::string &root);
+
+// Takes what has been written since; may be called while a play goes on.
+void frame_outcome_take(frame_outcome *outcome);
+
+// Takes the rest and says it, in lines.
+std::string frame_outcome_end(frame_outcome *outcome);

@@ -1,7 +1,0 @@
-// dvxctl: talks to dvxd in words, and runs virtual devices for it.
-
-#include "tools/commands.h"
-
-int main(int argc, char **argv) {
-    return command_line_run(argc, argv, desk_commands);
-}

@@ -1,9 +1,0 @@
-// dvxctl as it goes onto a phone: what needs neither a simulator nor a virtual device.
-
-#include "tools/command_line.h"
-#include "tools/message_commands.h"
-#include "tools/why/looking_commands.h"
-
-int main(int argc, char **argv) {
-    return command_line_run(argc, argv, {add_message_commands, add_looking_commands});
-}

@@ -1,0 +1,279 @@
+#include "tools/recording/recording.h"
+
+#include <string.h>
+
+#include <algorithm>
+#include <charconv>
+#include <stdexcept>
+#include <utility>
+
+#include "device/service_words.h"
+#include "platform/host/json_text.h"
+#include "platform/host/recording.h"
+#include "tools/base/json.h"
+#include "tools/recording/messages.h"
+
+using json = nlohmann::ordered_json;
+
+namespace {
+
+constexpr size_t line_max = size_t{1} << 20;
+constexpr int64_t time_max_ns = INT64_MAX / 2;  // differences of two stay in 64 bits
+constexpr int64_t length_max_ns = int64_t{366} * 24 * 3600 * 1000000000;
+
+const std::map<std::string, recorded_answer_kind> answer_words = {
+    {"clock", answer_clock},     {"prop", answer_property},   {"answer", answer_library},
+    {"missing", answer_missing}, {"connect", answer_connect}, {"send", answer_sent},
+};
+
+std::string text_of(const json &value) {
+    return bytes_of_json_text(value.get<std::string>());
+}
+
+// [QUESTION, KIND, ...]: the last elements are a name, a value, a number, as the kind has them.
+recorded_answer read_answer(const json &given) {
+    recorded_answer answer;
+    answer.question = json_integer<int>(given.at(0));
+    answer.kind = answer_words.at(given.at(1).get<std::string>());
+    const json &last = given.back();
+    if (given.size() > 3 || answer.kind == answer_missing)
+        answer.name = text_of(given.at(2));
+    if (last.is_number())
+        answer.number = json_integer<int64_t>(last);
+    else if (last.is_string() && given.size() > 3)
+        answer.value = text_of(last);
+    if (answer.kind == answer_library)
+        answer.number = last.is_null() ? 0 : 1;
+    return answer;
+}
+
+std::vector<int32_t> values_of(const json &list) {
+    std::vector<int32_t> values;
+    for (const json &value : list)
+        values.push_back(json_integer<int32_t>(value));
+    return values;
+}
+
+void read_message(const json &line, recording_line *read) {
+    const std::string client = text_of(line.at("client"));
+    const int32_t code = json_integer<int32_t>(line.at("code"));
+    read->is_text = line.contains("text");
+    read->what.message = read->is_text
+                             ? make_text_message(client.c_str(), code, text_of(line.at("text")))
+                             : make_message(client.c_str(), code, values_of(line.at("values")));
+}
+
+recorded_kind kind_of(const std::string &word) {
+    for (int kind = 0; kind < recorded_kinds; ++kind)
+        if (word == recorded_words[kind].word)
+            return static_cast<recorded_kind>(kind);
+    throw std::out_of_range(word);
+}
+
+void read_happening_line(const json &line, recording_line *read) {
+    read->kind = recording_happening;
+    read->what = {};
+    read->what.kind = kind_of(line.at("in").get<std::string>());
+    read->what.time_ns = read->time_ns;
+    if (read->what.kind == recorded_message)
+        read_message(line, read);
+    if (line.contains("report"))
+        read->what.report = text_of(line.at("report"));
+    if (line.contains("us")) {
+        read->interval_us = json_integer<int32_t>(line.at("us"));
+        read->what.report = std::to_string(read->interval_us) + "\n";
+    }
+    if (line.contains("given"))
+        for (const json &given : line.at("given"))
+            read->what.answers.push_back(read_answer(given));
+    if (line.contains("us") && read->what.answers.empty())
+        read->kind = recording_interval;
+}
+
+// A message to another service: who it is for, and what it says.
+std::string describe_sent(const std::string &socket, const std::string &hex) {
+    std::string bytes;
+    for (size_t i = 0; i + 1 < hex.size(); i += 2)
+        bytes += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
+    const char *first = bytes.data();
+    for (const device_service &service : device_services)
+        if (socket == service.socket)
+            return std::string(service.name) + "  " +
+                   (bytes.size() == service.message_size
+                        ? service.describe(first)
+                        : "a message of " + std::to_string(bytes.size()) + " bytes");
+    return socket + "  a message of " + std::to_string(bytes.size()) + " bytes";
+}
+
+void read_output_line(const json &line, recording_line *read) {
+    read->kind = recording_output;
+    read->aside = line.value("aside", false);
+    read->came = {read->time_ns, timeline_note, 0, "", "", 0};
+    if (line.contains("log")) {
+        read->came = make_log_entry(read->time_ns, text_of(line.at("log")));
+        read->came.priority = json_integer<int>(line.value("priority", json(0)));
+    } else if (line.contains("hw")) {
+        read->came.kind = timeline_hardware;
+        read->came.text = text_of(line.at("hw"));
+    } else if (line.contains("prop")) {
+        read->came.kind = timeline_property;
+        read->came.text = text_of(line.at("prop"));
+    } else if (line.contains("said")) {
+        read->came.kind = timeline_service;
+        read->came.text = text_of(line.at("said"));
+    } else if (line.contains("service")) {
+        read->came.kind = timeline_service;
+        read->came.text =
+            describe_sent(text_of(line.at("service")), line.value("bytes", std::string()));
+    }
+    read->came.thread_name = text_of(line.value("thread", json("")));
+}
+
+// Nanoseconds; 0 where there are none.
+int64_t time_of(const json &line, const char *key) {
+    return json_integer(line.value(key, json(0)), -time_max_ns, time_max_ns);
+}
+
+void read_header_fields(const json &line, recording_header *header) {
+    header->daemon = line.value("daemon", "");
+    header->device = line.value("device", "");
+    header->root = line.value("root", "");
+    header->taken = line.value("order", "") == "taken";
+    header->since_ns = time_of(line, "since");
+    const int64_t wall_ns = time_of(line, "wall_ns");
+    const int64_t ahead_ns = wall_ns - time_of(line, "t");
+    header->wall_ns = wall_ns != 0 && std::abs(ahead_ns) <= time_max_ns ? ahead_ns : 0;
+    const auto read_map = [&](const char *key, std::map<std::string, std::string> *into) {
+        const json map = line.value(key, json::object());
+        for (const auto &[name, value] : map.items())
+            (*into)[name] = value.is_string() ? value.get<std::string>() : json_write(value);
+    };
+    read_map("settings", &header->settings);
+    read_map("properties", &header->properties);
+    read_map("answers", &header->answers);
+}
+
+bool fail(recording *file, const std::string &reason) {
+    file->error = "line " + std::to_string(file->line) + ": " + reason;
+    return false;
+}
+
+// The next whole line, without its end. False at the end of the file or at one that is too long.
+bool take_line(recording *file, std::string_view *line) {
+    if (file->at >= file->content.text.size())
+        return false;
+    const char *begin = file->content.text.data() + file->at;
+    const size_t left = file->content.text.size() - file->at;
+    const void *end = memchr(begin, '\n', std::min(left, line_max));
+    ++file->line;
+    if (end == nullptr && left >= line_max)
+        return fail(file, "is longer than a recording's lines are");
+    if (end == nullptr) {
+        file->at = file->content.text.size();
+        file->remarks.push_back("the recording was cut off in line " + std::to_string(file->line) +
+                                "; it is good up to the one before");
+        return false;
+    }
+    const size_t length = static_cast<size_t>(static_cast<const char *>(end) - begin);
+    *line = std::string_view(begin, length);
+    file->at += length + 1;
+    return true;
+}
+
+// An interval as the daemon notes it, letter for letter: nearly every line is one.
+bool scan_interval(std::string_view line, recording_line *read) {
+    constexpr std::string_view head = "{\"t\":";
+    constexpr std::string_view middle =
+        ",\"thread\":\"kevent_monitor\",\"in\":\"interval\",\"us\":";
+    if (!line.starts_with(head))
+        return false;
+    const char *end = line.data() + line.size();
+    const auto [time_end, time_error] =
+        std::from_chars(line.data() + head.size(), end, read->time_ns);
+    const std::string_view rest(time_end, static_cast<size_t>(end - time_end));
+    if (time_error != std::errc() || std::abs(read->time_ns) > time_max_ns ||
+        !rest.starts_with(middle))
+        return false;
+    const auto [value_end, value_error] =
+        std::from_chars(rest.data() + middle.size(), end, read->interval_us);
+    return value_error == std::errc() && end - value_end == 1 && *value_end == '}';
+}
+
+}  // namespace
+
+recording recording_open(const std::string &path) {
+    return recording_of(whole_file_open(path));
+}
+
+recording recording_of(whole_file content) {
+    recording file;
+    file.content = std::move(content);
+    file.error = file.content.error;
+    std::string_view line;
+    if (!file.error.empty())
+        return file;
+    if (!take_line(&file, &line)) {
+        if (file.error.empty())
+            file.error = "line 1: is no recording's first line";
+        return file;
+    }
+    const std::string wrong = recording_read_header(line, &file.header);
+    if (!wrong.empty())
+        fail(&file, wrong);
+    return file;
+}
+
+std::string recording_read_header(std::string_view line, recording_header *header) {
+    const json parsed = json_read(line);
+    if (!parsed.is_object() || !parsed.contains("dvx_recording"))
+        return "is no recording's first line";
+    if (parsed.at("dvx_recording") != recording_version)
+        return "the format's version is " + json_write(parsed.at("dvx_recording")) +
+               ", this program reads " + std::to_string(recording_version);
+    try {
+        read_header_fields(parsed, header);
+    } catch (const std::exception &) {
+        return "is no recording's first line";
+    }
+    return {};
+}
+
+bool recording_read_line(std::string_view line, recording_line *read) {
+    read->aside = false;
+    if (scan_interval(line, read)) {
+        read->kind = recording_interval;
+        return true;
+    }
+    try {
+        const json parsed = json_read(line);
+        if (!parsed.is_object() || !parsed.contains("t"))
+            return false;
+        read->time_ns = time_of(parsed, "t");
+        if (parsed.contains("in"))
+            read_happening_line(parsed, read);
+        else
+            read_output_line(parsed, read);
+    } catch (const std::exception &) {
+        return false;
+    }
+    return true;
+}
+
+bool recording_next(recording *file, recording_line *read) {
+    std::string_view line;
+    if (!file->error.empty() || !take_line(file, &line))
+        return false;
+    read->number = file->line;
+    if (!recording_read_line(line, read))
+        return fail(file, "is no line of a recording");
+    if (!std::exchange(file->begun, true))
+        file->first_ns = read->time_ns;
+    if (std::abs(read->time_ns - file->first_ns) > length_max_ns)
+        return fail(file, "is more than a year from the first one");
+    if (read->kind == recording_output)
+        return true;
+    if (read->time_ns < file->last_ns)
+        return fail(file, "time runs backwards");
+    file->last_ns = read->time_ns;
+    return true;
+}

@@ -1,0 +1,37 @@
+// What a run of the daemon came to, counted from its calls and lines.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "tools/recording/timeline.h"
+
+struct cap_figures {
+    double full = 0;  // the frequency that was set first, as the library got it
+    double now = 0;
+    int changes = 0;
+    int64_t lowered_ns = 0;   // time below full
+    double frequency_ns = 0;  // integral of the cap over time
+};
+
+struct run_figures {
+    std::map<std::string, cap_figures> caps;  // by resource
+    int measurements = 0;                     // completed
+    int restarts = 0;                         // of a measurement that found no profile
+    int returns = 0;                          // to measuring, from caps that were held
+    long janks = 0;
+    long judged = 0;         // intervals in the reports that counted them
+    int64_t lowered_ns = 0;  // any cap below full
+    int64_t last_ns = 0;
+};
+
+// Counts an entry; those before it have been counted.
+void figures_count(run_figures *figures, const timeline_entry &entry);
+
+// The run's end.
+void figures_finish(run_figures *figures, int64_t end_ns);
+
+// Changes of all caps, and the mean of a cap as a share of full, from 0 to 1; 1 where it never
+// moved.
+int figures_cap_changes(const run_figures &figures);
+double figures_cap_mean(const cap_figures &cap, int64_t duration_ns);

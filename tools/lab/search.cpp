@@ -356,7 +356,7 @@ int merge_command(const std::vector<std::string> &paths, double max_loss, bool j
                       " no set that was tried");
     std::set<std::string> sets;  // what two shards have tried counts once
     std::erase_if(tried, [&](const ordered_json &each) {
-        return !sets.insert(each.at("set").dump()).second;
+        return !sets.insert(json_write(each.at("set"))).second;
     });
     return conclude(tried, max_loss, json);
 }

@@ -2,6 +2,8 @@
 
 #include <stdio.h>
 
+#include "platform/host/utf8.h"
+
 namespace {
 
 constexpr unsigned raw_base = 0xF700;  // with a byte from 0x80 on: a private use of Unicode
@@ -12,24 +14,9 @@ unsigned byte_at(const char *text, size_t at) {
 
 // Length of the UTF-8 sequence at `at`; 0 where there is none, or one that stands for a byte.
 size_t sequence_length(const char *text, size_t at, size_t length) {
-    const unsigned lead = byte_at(text, at);
-    const size_t size = lead >= 0xF0 && lead < 0xF5   ? 4
-                        : lead >= 0xE0 && lead < 0xF0 ? 3
-                        : lead >= 0xC2 && lead < 0xE0 ? 2
-                                                      : 0;
-    if (size == 0 || at + size > length)
-        return 0;
-    unsigned code = lead & (0xFFu >> (size + 1));
-    for (size_t i = 1; i < size; ++i) {
-        if ((byte_at(text, at + i) & 0xC0) != 0x80)
-            return 0;
-        code = code << 6 | (byte_at(text, at + i) & 0x3F);
-    }
-    const bool shortest = size == 2 || (size == 3 && code >= 0x800) ||
-                          (size == 4 && code >= 0x10000 && code < 0x110000);
-    const bool surrogate = code >= 0xD800 && code < 0xE000;
-    const bool raw = code >= raw_base + 0x80 && code <= raw_base + 0xFF;
-    return shortest && !surrogate && !raw ? size : 0;
+    char32_t code = 0;
+    const size_t size = utf8_length({text + at, length - at}, &code);
+    return code >= raw_base + 0x80 && code <= raw_base + 0xFF ? 0 : size;
 }
 
 void append_escaped(std::string *line, unsigned code) {

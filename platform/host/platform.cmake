@@ -13,5 +13,6 @@ add_library(dvx_platform STATIC
     platform/host/sockets.cpp
     platform/host/standard_files.cpp
     platform/host/thread.cpp
-    platform/host/turns.cpp)
+    platform/host/turns.cpp
+    platform/host/utf8.cpp)
 target_include_directories(dvx_platform PUBLIC platform/host/include)

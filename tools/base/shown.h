@@ -10,7 +10,3 @@
 // "\x1b", "\u202e"; ends of lines behind it are left out. Everything that goes to a terminal or
 // into a table's cell passes through here.
 std::string shown(std::string_view text);
-
-// Length of the whole UTF-8 sequence that `text` begins with, and the character that it stands for;
-// 0 where it begins with none.
-size_t utf8_length(std::string_view text, char32_t *character);

@@ -14,6 +14,7 @@
 #include "fia/records.h"
 #include "resource/fps_manager.h"
 #include "resource/requestor.h"
+#include "tools/recording/cap_call.h"
 #include "tools/recording/effects.h"
 
 namespace {
@@ -101,12 +102,11 @@ cap_state *find_cap(daemon_state *state, const std::string &name) {
     return nullptr;
 }
 
-void take_cap(daemon_state *state, const std::string &name, double frequency) {
-    cap_state *cap = find_cap(state, name);
+void take_cap(daemon_state *state, const cap_call &call) {
+    cap_state *cap = find_cap(state, call.name);
     if (cap == nullptr)
         return;
-    const double hertz = frequency * (cap->name == "GPU" ? 1 : 1000);
-    const auto found = std::find(cap->hertz.begin(), cap->hertz.end(), hertz);
+    const auto found = std::find(cap->hertz.begin(), cap->hertz.end(), call.hertz);
     if (found == cap->hertz.end())
         return;
     cap->level = static_cast<size_t>(found - cap->hertz.begin());
@@ -117,8 +117,9 @@ void take_call(daemon_state *state, const std::string &call) {
     state->calls_seen = true;
     char name[128] = "";
     double value = 0;
-    if (sscanf(call.c_str(), "set_tmk_freq %127s %lf", name, &value) == 2)
-        take_cap(state, name, value);
+    cap_call cap;
+    if (cap_call_read(call, &cap))
+        take_cap(state, cap);
     else if (sscanf(call.c_str(), "request_fps %lf", &value) == 1)
         state->rate = whole(value);
     else if (sscanf(call.c_str(), "request_image_engine_mode %lf", &value) == 1)

@@ -1,9 +1,9 @@
 #include "tools/lab/run.h"
 
-#include <math.h>
 #include <stdio.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <numeric>
 #include <utility>
@@ -11,6 +11,7 @@
 #include "device/virtual_device.h"
 #include "tools/base/json.h"
 #include "tools/base/output_file.h"
+#include "tools/recording/cap_call.h"
 #include "tools/recording/messages.h"
 #include "tools/recording/recording_lines.h"
 #include "tools/simulated/apart.h"
@@ -76,13 +77,11 @@ void move_cap(loop *now, int which, double mhz, double time_us) {
 // Takes what the daemon asked for; each line of it is recorded where that is wanted.
 void take_calls(loop *now, double time_us, int64_t clock_ns) {
     for (const timeline_entry &entry : take_simulated()) {
-        char name[64];
-        double frequency;
-        if (entry.kind == timeline_hardware &&
-            sscanf(entry.text.c_str(), "set_tmk_freq %63s %lf", name, &frequency) == 2) {
-            const int which = resource_of(name);
+        cap_call cap;
+        if (entry.kind == timeline_hardware && cap_call_read(entry.text, &cap)) {
+            const int which = resource_of(cap.name);
             if (which >= 0)
-                move_cap(now, which, frequency / (which == resource_gpu ? 1e6 : 1e3), time_us);
+                move_cap(now, which, cap.hertz / 1e6, time_us);
         }
         if (now->record.fd >= 0)
             output_write(&now->record, recording_entry_line(entry, clock_ns) + "\n");

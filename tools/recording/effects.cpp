@@ -8,13 +8,13 @@
 
 #include "core/events.h"
 #include "fia/freq_config.h"
+#include "tools/recording/cap_call.h"
 
 namespace {
 
 std::string megahertz(const std::string &cap, const std::string &frequency) {
-    const double hertz = atof(frequency.c_str()) * (cap == "TMK_GPU" ? 1 : 1000);
     std::ostringstream text;
-    text << hertz / 1e6;
+    text << cap_hertz(cap, atof(frequency.c_str())) / 1e6;
     return text.str();
 }
 
@@ -92,7 +92,7 @@ constexpr mode_word mode_words[] = {
 
 }  // namespace
 
-effects make_effects(void) {
+effects make_effects() {
     effects present;
     present.settings = {{"display", "60"},
                         {"image engine", "mode 0"},

@@ -5,9 +5,9 @@
 
 #include <algorithm>
 
-namespace {
+#include "tools/recording/cap_call.h"
 
-constexpr char set_cap[] = "set_tmk_freq ";
+namespace {
 
 // Caps stay as they are until `time_ns`.
 void pass_time(run_figures *figures, int64_t time_ns) {
@@ -25,20 +25,16 @@ void pass_time(run_figures *figures, int64_t time_ns) {
     figures->last_ns = std::max(figures->last_ns, time_ns);
 }
 
-void count_cap(run_figures *figures, const timeline_entry &entry) {
-    char name[128];
-    double frequency;
-    if (sscanf(entry.text.c_str() + sizeof(set_cap) - 1, "%127s %lf", name, &frequency) != 2)
-        return;
-    pass_time(figures, entry.time_ns);
-    cap_figures &cap = figures->caps[name];
+void count_cap(run_figures *figures, const cap_call &call, int64_t time_ns) {
+    pass_time(figures, time_ns);
+    cap_figures &cap = figures->caps[call.name];
     if (cap.full == 0)
         // Nothing was asked before: the resource stood at what is set first.
-        cap.frequency_ns = frequency * static_cast<double>(entry.time_ns);
-    else if (frequency != cap.now)
+        cap.frequency_ns = call.hertz * static_cast<double>(time_ns);
+    else if (call.hertz != cap.now)
         ++cap.changes;
-    cap.full = std::max(cap.full, frequency);
-    cap.now = frequency;
+    cap.full = std::max(cap.full, call.hertz);
+    cap.now = call.hertz;
 }
 
 void count_line(run_figures *figures, const std::string &line) {
@@ -62,8 +58,9 @@ void count_line(run_figures *figures, const std::string &line) {
 }  // namespace
 
 void figures_count(run_figures *figures, const timeline_entry &entry) {
-    if (entry.kind == timeline_hardware && entry.text.starts_with(set_cap))
-        count_cap(figures, entry);
+    cap_call cap;
+    if (entry.kind == timeline_hardware && cap_call_read(entry.text, &cap))
+        count_cap(figures, cap, entry.time_ns);
     else if (entry.kind == timeline_log)
         count_line(figures, entry.text);
 }

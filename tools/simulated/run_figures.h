@@ -7,7 +7,7 @@
 #include "tools/recording/timeline.h"
 
 struct cap_figures {
-    double full = 0;  // the frequency that was set first, as the library got it
+    double full = 0;  // the frequency that was set first, Hz
     double now = 0;
     int changes = 0;
     int64_t lowered_ns = 0;   // time below full

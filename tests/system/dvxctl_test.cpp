@@ -140,11 +140,9 @@ TEST_F(Tool, TimelineShowsCausesBeforeTheirEffects) {
     constexpr int messages = 200;
     for (int i = 0; i < messages; ++i) {
         const int32_t fps = 20 + i % 2;
-        ASSERT_EQ(deliver_message(make_message("dgpc", DVX_CODE_FPS, {fps}), false, device.root),
-                  "");
-        ASSERT_EQ(
-            deliver_message(make_message("powerhal", DVX_CODE_ROTATION, {}), false, device.root),
-            "");
+        for (const dvx_message &message : {make_message("dgpc", DVX_CODE_FPS, {fps}),
+                                           make_message("powerhal", DVX_CODE_ROTATION, {})})
+            ASSERT_EQ(deliver_message(message, false, device.root).reason, "");
     }
     usleep(2 * timeline_hold_back_ns / 1000);
     std::string seen;

@@ -8,9 +8,19 @@ void warn(const std::string &remark) {
     fprintf(stderr, "dvxctl: %s\n", shown(remark).c_str());
 }
 
+int end_with(const result &came_out) {
+    if (came_out.kind == failure::none)
+        return 0;
+    warn(came_out.reason);
+    return came_out.kind == failure::no_daemon ? exit_no_daemon : exit_found;
+}
+
 int fail(const std::string &reason) {
-    warn(reason);
-    return reason.starts_with("no daemon") ? exit_no_daemon : exit_found;
+    return end_with({failure::failed, reason});
+}
+
+int fail_without_daemon(const std::string &root) {
+    return end_with({failure::no_daemon, "no daemon runs on " + root});
 }
 
 int refuse(const std::string &reason) {

@@ -27,9 +27,27 @@ constexpr exit_meaning exit_meanings[] = {
 // it.
 void warn(const std::string &remark);
 
-// Says why a command ends without having done it. The exit status: the reason's, which begins alike
-// wherever no daemon runs.
+// How something that was asked for came out.
+enum class failure {
+    none,
+    failed,     // it could not be done
+    rejected,   // the daemon has something against it
+    no_daemon,  // nobody was there to do it
+};
+
+struct [[nodiscard]] result {
+    failure kind = failure::none;
+    std::string reason;  // empty where all is well
+};
+
+// Says why a command ends, where it has a reason. The exit status.
+int end_with(const result &came_out);
+
+// Says why a command ends without having done it. The exit status.
 int fail(const std::string &reason);
 
 // Says why what a command was given is of no use. The exit status.
 int refuse(const std::string &reason);
+
+// Says that no daemon runs on a device. The exit status.
+int fail_without_daemon(const std::string &root);

@@ -54,18 +54,18 @@ int start(const std::string &root) {
     for (const std::string &wrong : device_check_conf(root))
         warn(wrong);
     int pid = 0;
-    const std::string error = start_device(root, false, &pid);
-    if (!error.empty())
-        return fail(error);
+    const result started = start_device(root, false, &pid);
+    if (started.kind != failure::none)
+        return end_with(started);
     printf("dvxd %d serves %s\n", pid, shown(root).c_str());
     return 0;
 }
 
 int stop(const std::string &root) {
     const int pid = device_daemon_process(root);
-    const std::string error = stop_device(root);
-    if (!error.empty())
-        return fail(error);
+    const result stopped = stop_device(root);
+    if (stopped.kind != failure::none)
+        return end_with(stopped);
     printf("dvxd %d stopped\n", pid);
     return 0;
 }
@@ -73,8 +73,9 @@ int stop(const std::string &root) {
 int report_node_error(const std::string &root, int error) {
     if (!device_exists(root))
         return fail_without_device(root);
-    return fail(error == -ENXIO ? "no daemon reads the nodes of " + root
-                                : root + ": " + strerror(-error));
+    if (error == -ENXIO)
+        return end_with({failure::no_daemon, "no daemon reads the nodes of " + root});
+    return fail(root + ": " + strerror(-error));
 }
 
 int panel(const std::string &root, bool on) {

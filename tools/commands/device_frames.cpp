@@ -60,7 +60,7 @@ int explain(const std::string &root, const frame_run &run, size_t all) {
     if (!device_exists(root))
         return fail_without_device(root);
     if (run.error == -ENXIO)
-        return fail("no daemon reads the nodes of " + root);
+        return end_with({failure::no_daemon, "no daemon reads the nodes of " + root});
     if (run.error == -EBUSY)
         return fail("frames are being played on " + root + " already");
     const std::string far =

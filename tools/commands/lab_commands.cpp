@@ -94,9 +94,6 @@ std::string prepare(arguments *given) {
     if (!setup->record.empty() && !std::filesystem::is_directory(setup->record, error) &&
         !std::filesystem::create_directories(setup->record, error))
         return "cannot make the directory " + setup->record;
-    for (const game_work &game : setup->games)
-        if (!setup->record.empty() && game.name.find('/') != std::string::npos)
-            return "a recording cannot be named '" + game.name + "'";
     return wrong;
 }
 

@@ -115,7 +115,7 @@ std::string list_commands(const CLI::App *command) {
     return text + ".El\n";
 }
 
-std::string list_exit_meanings(void) {
+std::string list_exit_meanings() {
     std::string text = ".Sh EXIT STATUS\n.Bl -tag -width Ds\n";
     for (const exit_meaning &each : exit_meanings)
         text += ".It " + std::to_string(each.status) + "\n" + sentence(each.words);

@@ -28,8 +28,7 @@ struct arguments {
 };
 
 int send(const dvx_message &message, bool is_text, const std::string &root) {
-    const std::string error = deliver_message(message, is_text, root);
-    return error.empty() ? 0 : fail(error);
+    return end_with(deliver_message(message, is_text, root));
 }
 
 int print_events(const std::vector<std::string> &wanted, bool json) {

@@ -116,7 +116,7 @@ int record_command(const record_options &options) {
     if (!options.root.empty() && options.log.empty()) {
         notes = follow_notes_of(options.root, &limit.daemon);
         if (limit.daemon == 0)
-            return fail("no daemon runs on " + options.root);
+            return fail_without_daemon(options.root);
     }
     output out;
     out.file = output_open(options.out, {options.log, notes});

@@ -9,18 +9,20 @@
 namespace {
 
 // Why a message for the daemon on `root` would reach nobody, or another's daemon.
-std::string check_daemon(const std::string &root) {
+result check_daemon(const std::string &root) {
     const int pid = daemon_process(root);
     if (pid != 0 && !process_shares_network(pid))
-        return "the daemon on " + root +
-               " runs in another network; go there with nsenter --net=" + "/proc/" +
-               std::to_string(pid) + "/ns/net";
+        return {failure::failed,
+                "the daemon on " + root +
+                    " runs in another network; go there with nsenter --net=/proc/" +
+                    std::to_string(pid) + "/ns/net"};
     if (pid != 0)
         return {};
-    if (socket_is_taken(DVX_CLIENT_SOCKET))
-        return "no daemon runs on " + root + "; " + another_daemon_hint;
-    return "no daemon runs on " + root + "; start one with dvxctl --root " + shell_quoted(root) +
-           " device start";
+    return {failure::no_daemon,
+            "no daemon runs on " + root + "; " +
+                (socket_is_taken(DVX_CLIENT_SOCKET)
+                     ? another_daemon_hint
+                     : "start one with dvxctl --root " + shell_quoted(root) + " device start")};
 }
 
 // What the daemon's log says against a message since `offset`, or nothing.
@@ -39,22 +41,25 @@ std::string find_rejection(const dvx_message &message, const std::string &root, 
 
 }  // namespace
 
-std::string deliver_message(const dvx_message &message, bool is_text, const std::string &root) {
-    std::string nobody = root.empty() ? "" : check_daemon(root);
-    if (!nobody.empty())
+result deliver_message(const dvx_message &message, bool is_text, const std::string &root) {
+    result nobody = root.empty() ? result{} : check_daemon(root);
+    if (nobody.kind != failure::none)
         return nobody;
     const int64_t log_size = device_file_size(root + device_daemon_log);
     // A note that cannot be taken does not keep the message back.
     if (device_exists(root))
         device_append_note(root + device_messages_log, describe_message(message, is_text));
-    const int result = dvx_message_send_and_wait(&message, answer_timeout_ms);
-    if (result == -EAGAIN || result == -ETIMEDOUT)
-        return "the daemon does not answer";
-    if (result != 0)
-        return std::string("no daemon takes the message: ") + strerror(-result);
+    const int error = dvx_message_send_and_wait(&message, answer_timeout_ms);
+    if (error == -EAGAIN || error == -ETIMEDOUT)
+        return {failure::failed, "the daemon does not answer"};
+    if (error != 0)
+        return {failure::no_daemon,
+                std::string("no daemon takes the message: ") + strerror(-error)};
     const std::string rejection =
         device_exists(root) ? find_rejection(message, root, log_size) : "";
-    return rejection.empty() ? "" : rejection_start + rejection;
+    if (rejection.empty())
+        return {};
+    return {failure::rejected, "the daemon rejects it: " + rejection};
 }
 
 int deliver_panel(const std::string &root, bool on) {

@@ -4,20 +4,18 @@
 #include <string>
 
 #include "client/dvx_client.h"
+#include "tools/base/exit_status.h"
 
 // What to do where another daemon has the socket's name.
 inline constexpr char another_daemon_hint[] =
     "another daemon has the socket; give this one a network of its own with unshare --net "
     "--map-root-user";
 
-// How the reason begins when the daemon's log has something against a message.
-inline constexpr char rejection_start[] = "the daemon rejects it: ";
-
 // Sends a message and waits until it has had its whole effect; notes it in the messages file of the
 // device at `root`, where there is one. With a root, the message goes to the daemon that runs on it
-// or to nobody; without one, to whoever serves. An empty text, or why it did not arrive or was
-// rejected, as far as the root's log says so.
-std::string deliver_message(const dvx_message &message, bool is_text, const std::string &root);
+// or to nobody; without one, to whoever serves. Whether it
+// arrived and was taken, as far as the root's log says so.
+result deliver_message(const dvx_message &message, bool is_text, const std::string &root);
 
 // Reports the panel's power, noted as a message is. 0 or a negative errno value.
 int deliver_panel(const std::string &root, bool on);

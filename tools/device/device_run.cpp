@@ -66,13 +66,13 @@ int fail_without_device(const std::string &root) {
                   shell_quoted(root) + " device create");
 }
 
-std::string start_device(const std::string &root, bool die_with_me, int *pid) {
+result start_device(const std::string &root, bool die_with_me, int *pid) {
     // One start at a time: a second one would take the first one's log and process for its own.
     const start_lock lock(root);
     if (!lock.held)
-        return "somebody else starts a daemon on " + root;
+        return {failure::failed, "somebody else starts a daemon on " + root};
     if (device_daemon_process(root) != 0)
-        return "a daemon runs on " + root + " already";
+        return {failure::failed, "a daemon runs on " + root + " already"};
     // What the daemon takes is noted, so that it can be told and replayed; elsewhere where somebody
     // says so.
     static const bool elsewhere = getenv("DVXD_RECORD") != nullptr;
@@ -82,10 +82,10 @@ std::string start_device(const std::string &root, bool die_with_me, int *pid) {
     device_keep_recording(root);
     *pid = device_start_daemon(root, sibling_program("dvxd"), die_with_me);
     if (*pid < 0)
-        return "cannot start dvxd on " + root + ": " + strerror(-*pid);
+        return {failure::failed, "cannot start dvxd on " + root + ": " + strerror(-*pid)};
     if (device_wait_until_started(root, *pid, start_timeout_ms) != device_started) {
         kill(*pid, SIGKILL);
-        return explain_failed_start(root);
+        return {failure::failed, explain_failed_start(root)};
     }
     if (device_services_process(root) == 0)
         device_start_services(root, die_with_me);
@@ -96,18 +96,19 @@ std::string start_device(const std::string &root, bool die_with_me, int *pid) {
     return {};
 }
 
-std::string stop_device(const std::string &root) {
+result stop_device(const std::string &root) {
     const int services = device_services_process(root);
     if (services != 0)
         kill(services, SIGTERM);
     const int pid = device_daemon_process(root);
     if (pid == 0)
-        return "no daemon runs on " + root;
+        return {failure::no_daemon, "no daemon runs on " + root};
     if (kill(pid, SIGTERM) != 0)
-        return "cannot stop dvxd " + std::to_string(pid) + ": " + strerror(errno);
+        return {failure::failed,
+                "cannot stop dvxd " + std::to_string(pid) + ": " + strerror(errno)};
     for (int waited_ms = 0; device_daemon_process(root) != 0; waited_ms += pause_ms) {
         if (waited_ms > stop_timeout_ms)
-            return "dvxd " + std::to_string(pid) + " does not stop";
+            return {failure::failed, "dvxd " + std::to_string(pid) + " does not stop"};
         usleep(pause_ms * 1000);
     }
     return {};

@@ -266,7 +266,7 @@ int status_command(const std::string &root, const std::string &log, bool json) {
         if (now.daemon == 0) {
             if (json)
                 printf("{\"up\":false}\n");
-            return fail("no daemon runs on " + root);
+            return fail_without_daemon(root);
         }
         now.up_s = process_age_s(now.daemon);
     }

@@ -43,7 +43,7 @@ int why_command(const std::string &path, const std::string &root, bool json) {
     moment_source source;
     if (path.empty()) {
         if (daemon_process(root) == 0)
-            return fail("no daemon runs on " + root);
+            return fail_without_daemon(root);
         follow_begin();
         source = moments_of_device(root, true, begin, take);
     } else {

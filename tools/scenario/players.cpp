@@ -153,7 +153,7 @@ std::string start_on_device(const std::vector<happening> &before) {
     int pid = 0;
     device.line = timeline_open(device.root);
     if (error.empty())
-        error = start_device(device.root, !device.stay, &pid);
+        error = start_device(device.root, !device.stay, &pid).reason;
     device.started = error.empty();
     return error;
 }
@@ -164,8 +164,8 @@ std::string explain_node(int error) {
 
 // A message that is rejected has happened: what the log says of it may be expected.
 std::string tell_device(const happening &what) {
-    const std::string error = deliver_message(what.message, what.is_text, device.root);
-    return error.starts_with(rejection_start) ? "" : error;
+    const result told = deliver_message(what.message, what.is_text, device.root);
+    return told.kind == failure::rejected ? "" : told.reason;
 }
 
 std::string check_daemon_lives() {
@@ -217,12 +217,12 @@ std::vector<timeline_entry> take_from_device() {
 
 void stop_on_device() {
     if (!device.stay)
-        stop_device(device.root);
+        static_cast<void>(stop_device(device.root));  // it may have ended already
 }
 
 }  // namespace
 
-player make_simulator_player(void) {
+player make_simulator_player() {
     return {start_simulator, play_simulated, take_from_simulator, [] {}, 0};
 }
 

@@ -34,12 +34,12 @@ void fold_line(std::string_view line, size_t indent, size_t columns, std::string
 
 }  // namespace
 
-size_t terminal_columns(void) {
+size_t terminal_columns() {
     winsize size = {};
     return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
-bool wants_colour(void) {
+bool wants_colour() {
     const char *no_colour = getenv("NO_COLOR");
     const char *terminal = getenv("TERM");
     return isatty(STDOUT_FILENO) == 1 && (no_colour == nullptr || no_colour[0] == '\0') &&

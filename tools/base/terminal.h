@@ -6,10 +6,10 @@
 #include <string>
 
 // Columns of the terminal that standard output is; 0 where it is none.
-size_t terminal_columns(void);
+size_t terminal_columns();
 
 // Whether standard output is a terminal that wants colours.
-bool wants_colour(void);
+bool wants_colour();
 
 // The text with its lines broken at blanks so that each is at most `columns` wide; what goes on is
 // indented by `indent`. A word that is wider stands on a line of its own. As it is for 0 columns.

@@ -23,7 +23,7 @@ void note_interrupt(int) {
 
 }  // namespace
 
-void follow_begin(void) {
+void follow_begin() {
     struct sigaction action = {};
     action.sa_handler = note_interrupt;
     sigaction(SIGINT, &action, nullptr);

@@ -12,7 +12,7 @@ struct follow_limit {
 };
 
 // From now on Ctrl-C ends what follows instead of the program.
-void follow_begin(void);
+void follow_begin();
 bool follow_is_over(const follow_limit &limit);
 
 // Gives the lines of a file as they are written, without their ends, from the first on, until the

@@ -1,8 +1,8 @@
 // The table of games, as a file has it.
 #include <csv.h>
-#include <math.h>
 #include <stdlib.h>
 
+#include <cmath>
 #include <map>
 
 #include "device/virtual_device.h"
@@ -76,7 +76,7 @@ void take_row(int, void *into) {
 
 }  // namespace
 
-std::string games_path(void) {
+std::string games_path() {
     return sibling_program("../share/dvxd/games.csv");
 }
 

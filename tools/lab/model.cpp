@@ -1,8 +1,7 @@
 #include "tools/lab/model.h"
 
-#include <math.h>
-
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 
 namespace {

@@ -33,7 +33,7 @@ game_list games_read(const std::string &path);
 game_list games_read_text(std::string_view text);
 
 // The games that belong to this program.
-std::string games_path(void);
+std::string games_path();
 
 // How a frame's work varies around the game's; shares of it.
 struct variation {

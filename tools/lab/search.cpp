@@ -1,10 +1,10 @@
 #include "tools/lab/search.h"
 
-#include <math.h>
 #include <stdio.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <random>
 #include <set>

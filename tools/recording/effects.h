@@ -13,7 +13,7 @@ struct effects {
 };
 
 // The settings of a device whose daemon has just started.
-effects make_effects(void);
+effects make_effects();
 
 struct effect {
     std::string setting;  // empty: nothing changed

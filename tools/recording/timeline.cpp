@@ -108,7 +108,7 @@ const char *timeline_kind_name(timeline_kind kind) {
     return names[kind];
 }
 
-int64_t timeline_now_ns(void) {
+int64_t timeline_now_ns() {
     timespec now;
     clock_gettime(CLOCK_REALTIME, &now);
     return static_cast<int64_t>(now.tv_sec) * second_ns + now.tv_nsec;

@@ -54,7 +54,7 @@ timeline timeline_open(const std::string &root);
 std::vector<timeline_entry> timeline_read(timeline *line);
 
 // Nanoseconds of the wall clock.
-int64_t timeline_now_ns(void);
+int64_t timeline_now_ns();
 
 // The entry that a text of the log makes, an event or a line; one without text where it only says
 // how an event travels.

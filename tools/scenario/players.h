@@ -22,7 +22,7 @@ struct player {
 };
 
 // The simulator, on the image of a device.
-player make_simulator_player(void);
+player make_simulator_player();
 
 // A fresh virtual device at `root`, with time `speed` times as fast as it is. Its daemon ends with
 // the scenario, or with this program, unless it is to stay.

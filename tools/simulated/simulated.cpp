@@ -4,7 +4,7 @@
 
 #include "simulator/simulator.h"
 
-std::vector<timeline_entry> take_simulated(void) {
+std::vector<timeline_entry> take_simulated() {
     constexpr timeline_kind kinds[] = {timeline_event, timeline_log, timeline_hardware,
                                        timeline_service, timeline_property};
     std::vector<timeline_entry> entries;

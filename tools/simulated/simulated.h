@@ -6,4 +6,4 @@
 #include "tools/recording/timeline.h"
 
 // Those since the last call, at nanoseconds since the start.
-std::vector<timeline_entry> take_simulated(void);
+std::vector<timeline_entry> take_simulated();

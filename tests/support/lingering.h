@@ -48,9 +48,10 @@ inline int lingering_connection() {
     return fd;
 }
 
-// Sends bytes with a lingering connection beside them, which is given away. The count, or -1.
-inline long send_lingering(int fd, const void *bytes, size_t size,
-                           int beside = lingering_connection()) {
+// Sends bytes with a lingering connection beside them, and leaves the sender's own reference to it
+// to the caller, who may be the last one by now. The count, or -1: then nobody else has one, and it
+// does not linger.
+inline long send_lingering(int fd, const void *bytes, size_t size, int beside) {
     iovec part = {const_cast<void *>(bytes), size};
     alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))] = {};
     msghdr message = {};
@@ -64,10 +65,8 @@ inline long send_lingering(int fd, const void *bytes, size_t size,
     rights->cmsg_len = CMSG_LEN(sizeof(int));
     memcpy(CMSG_DATA(rights), &beside, sizeof(beside));
     const long count = sendmsg(fd, &message, MSG_NOSIGNAL);
-    // Whoever got no reference must not wait here for the one that is left.
     constexpr linger none = {1, 0};
     if (count < 0)
         setsockopt(beside, SOL_SOCKET, SO_LINGER, &none, sizeof(none));
-    close(beside);
     return count;
 }

@@ -105,6 +105,12 @@ void repeat(const char *who, int messages, void (*misbehave)(int fd)) {
     other.join();
 }
 
+// Where the daemon has been quicker, this process is the last to close, and waits for a day.
+void give_lingering(int fd, const void *bytes, size_t size, int beside) {
+    send_lingering(fd, bytes, size, beside);
+    std::thread([beside] { close(beside); }).detach();
+}
+
 // Beside a service that answers each message with a descriptor, while the daemon still has the
 // connection where it is quick enough.
 void meet_lingering_service() {
@@ -116,7 +122,7 @@ void meet_lingering_service() {
             int fd;
             while ((fd = accept(service.fd, nullptr, nullptr)) < 0 && !stop) {
             }
-            send_lingering(fd, "x", 1, beside);
+            give_lingering(fd, "x", 1, beside);
             close(fd);
         }
     });
@@ -138,7 +144,7 @@ void meet_hostile_clients() {
     repeat("one that connects and leaves, without end", 200, [](int) {});
     repeat("one that sends descriptors which linger for a day", 50, [](int fd) {
         const dvx_message message = make_message("powerhal", DVX_CODE_ROTATION, {});
-        send_lingering(fd, &message, sizeof(message));
+        give_lingering(fd, &message, sizeof(message), lingering_connection());
     });
     meet_lingering_service();
     const service_socket accepts_nothing(gbm_service);

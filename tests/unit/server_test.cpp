@@ -90,6 +90,14 @@ TEST_F(Server, TakesExactlyOneMessageAndGivesASilentClientUp) {
     close(silent);
 }
 
+// Nobody serves yet, so that this is not the last reference.
+long give_lingering(int fd, const dvx_message &message) {
+    const int beside = lingering_connection();
+    const long count = send_lingering(fd, &message, sizeof(message), beside);
+    close(beside);
+    return count;
+}
+
 // As on a kernel that cannot refuse descriptors: whoever closed them here would wait for a day.
 TEST_F(Server, IsNotHeldUpByDescriptorsBesideAMessage) {
     lingering_connection();
@@ -98,7 +106,7 @@ TEST_F(Server, IsNotHeldUpByDescriptorsBesideAMessage) {
     for (const size_t carrying : {size_t{0}, size_t{1}}) {
         const int fd = dvx_client_connect(-1);
         for (size_t i = 0; i < 2; ++i)
-            EXPECT_EQ(i == carrying ? send_lingering(fd, &two[i], sizeof(two[i]))
+            EXPECT_EQ(i == carrying ? give_lingering(fd, two[i])
                                     : send(fd, &two[i], sizeof(two[i]), MSG_NOSIGNAL),
                       static_cast<long>(sizeof(two[i])));
         serve_client(listening_fd);
@@ -109,7 +117,7 @@ TEST_F(Server, IsNotHeldUpByDescriptorsBesideAMessage) {
 
     connection_refuse_descriptors(listening_fd);
     const int fd = dvx_client_connect(-1);
-    send_lingering(fd, &two[1], sizeof(two[1]));  // refused, or as above
+    give_lingering(fd, two[1]);  // refused, or as above
     send_on(fd, &two[0], sizeof(two[0]));
     serve_client(listening_fd);
     close(fd);

@@ -28,30 +28,30 @@ struct row {
     const char *name;
     const char *floor;  // null: none
     const char *target;
-    double limit;  // of the ratio to the floor, or of the nanoseconds without one; 0: none
-    bool above;    // of the nanoseconds above the floor
+    double limit;        // of the ratio to the floor, or of the nanoseconds without one; 0: none
+    bool above = false;  // of the nanoseconds above the floor
 };
 
 constexpr row rows[] = {
     {"message, round trip", "message_round_trip/real_time", "message_round_trip_floor/real_time",
-     "1.15 x accept, limit, receive, close", 1.15, false},
+     "1.15 x accept, limit, receive, close", 1.15},
     {"the same, beside a server without the limit", "message_round_trip/real_time",
-     "message_round_trip_bare/real_time", "", 0, false},
+     "message_round_trip_bare/real_time", "", 0},
     {"message, 4 under way", "message_burst/4/real_time", "message_burst_floor/4/real_time",
-     "1.15 x accept, limit, receive, close", 1.15, false},
+     "1.15 x accept, limit, receive, close", 1.15},
     {"message, 16 under way", "message_burst/16/real_time", "message_burst_floor/16/real_time",
-     "1.15 x accept, limit, receive, close", 1.15, false},
+     "1.15 x accept, limit, receive, close", 1.15},
     {"`notify_event`, 1 callback", "notify/1", "notify_floor/1", "3 ns over a plain loop", 3, true},
-    {"`notify_event`, 8 callbacks", "notify/8", "notify_floor/8", "2 x plain loop", 2, false},
-    {"`notify_event`, 64 callbacks", "notify/64", "notify_floor/64", "2 x plain loop", 2, false},
-    {"`requestor_request_fps`, nothing new", "fps_request", nullptr, "none", 0, false},
-    {"interval, suspended", "interval_suspended", nullptr, "40 ns", 40, false},
-    {"interval, measuring, no scene", "interval_measuring/0", nullptr, "200 ns", 200, false},
-    {"interval, measuring, two scenes", "interval_measuring/2", nullptr, "200 ns", 200, false},
-    {"interval, measuring, five scenes", "interval_measuring/5", nullptr, "200 ns", 200, false},
-    {"interval, active", "interval_active", nullptr, "80 ns", 80, false},
+    {"`notify_event`, 8 callbacks", "notify/8", "notify_floor/8", "2 x plain loop", 2},
+    {"`notify_event`, 64 callbacks", "notify/64", "notify_floor/64", "2 x plain loop", 2},
+    {"`requestor_request_fps`, nothing new", "fps_request", nullptr, "none", 0},
+    {"interval, suspended", "interval_suspended", nullptr, "40 ns", 40},
+    {"interval, measuring, no scene", "interval_measuring/0", nullptr, "200 ns", 200},
+    {"interval, measuring, two scenes", "interval_measuring/2", nullptr, "200 ns", 200},
+    {"interval, measuring, five scenes", "interval_measuring/5", nullptr, "200 ns", 200},
+    {"interval, active", "interval_active", nullptr, "80 ns", 80},
     {"kernel report to decision", "kernel_report", "kernel_report_floor",
-     "1.15 x poll, read, rewind", 1.15, false},
+     "1.15 x poll, read, rewind", 1.15},
 };
 
 // The medians of a run, by the benchmark's name.

@@ -133,24 +133,10 @@ moment_source read_recording(whole_file content, const source_taker &begin_sourc
     return source;
 }
 
-// A log under way.
-struct log_reader {
-    logcat_clock clock;
-    size_t lines = 0;
-    size_t of_daemon = 0;
-};
-
-// Takes one line of a log.
-void add_log_line(builder *built, log_reader *log, const std::string &line,
-                  std::vector<std::string> *remarks) {
+void add_log_line(builder *built, logcat_log *log, const std::string &line) {
     logcat_line read;
-    ++log->lines;
-    if (!logcat_read(line, timeline_now_ns(), &read) || !logcat_is_daemon(read))
+    if (!logcat_take(log, line, timeline_now_ns(), &read))
         return;
-    ++log->of_daemon;
-    const std::string remark = logcat_clock_follow(&log->clock, log->lines, &read);
-    if (!remark.empty())
-        remarks->push_back(remark);
     timeline_entry entry = make_log_entry(read.time_ns, read.text);
     entry.thread = read.thread;
     entry.priority = read.priority;
@@ -169,14 +155,15 @@ moment_source read_log(std::string_view text, const source_taker &begin_source,
     moment_source source = log_source();
     begin_source(source);
     builder built = {&take, false, false, false, 0, 0, {}};
-    log_reader log;
+    logcat_log log;
     for (size_t at = 0; at < text.size();) {
         const size_t end = std::min(text.find('\n', at), text.size());
         const size_t length = end - at < line_max ? end - at : 0;  // no line of the daemon's
-        add_log_line(&built, &log, std::string(text.substr(at, length)), &source.remarks);
+        add_log_line(&built, &log, std::string(text.substr(at, length)));
         at = end + 1;
     }
     finish(&built);
+    source.remarks.insert(source.remarks.end(), log.remarks.begin(), log.remarks.end());
     if (log.of_daemon == 0)
         source.error = "is neither a recording nor a log with lines of the daemon (tag " LOG_TAG
                        ", logcat's form threadtime)";
@@ -211,7 +198,7 @@ moment_source moments_of_device(const std::string &root, bool follow,
     moment_source source = log_source();
     builder built = {&take, !notes.empty(), false, false, 0, 0, {}};
     recording_header header;
-    log_reader log;
+    logcat_log log;
     bool first = true;
     const std::string path = notes.empty() ? root + device_daemon_log : notes;
     if (notes.empty())
@@ -221,7 +208,7 @@ moment_source moments_of_device(const std::string &root, bool follow,
         [&](const std::string &line) {
             recording_line read;
             if (notes.empty()) {
-                add_log_line(&built, &log, line, &source.remarks);
+                add_log_line(&built, &log, line);
             } else if (std::exchange(first, false)) {
                 source.error = recording_read_header(line, &header);
                 source = source.error.empty() ? describe_header(header, 0) : source;
@@ -237,6 +224,7 @@ moment_source moments_of_device(const std::string &root, bool follow,
     if (!follow && built.begun && !notes.empty())
         begin(&built, moment_unknown, device_now_ns(), "");
     finish(&built);
+    source.remarks.insert(source.remarks.end(), log.remarks.begin(), log.remarks.end());
     if (source.error.empty())
         source.error = error;
     return source;

@@ -77,33 +77,9 @@ int priority_of(char letter) {
     return found != nullptr ? static_cast<int>(found - letters) : 0;
 }
 
-}  // namespace
-
-bool logcat_read(const std::string &line, int64_t now_ns, logcat_line *read) {
-    const char *at = read_time(line.c_str(), now_ns, &read->time_ns, &read->has_year);
-    char priority;
-    int length = 0;
-    if (at == nullptr ||
-        sscanf(at, " %d %d %c %n", &read->process, &read->thread, &priority, &length) != 3 ||
-        length == 0)
-        return false;
-    read->priority = priority_of(priority);
-    const char *text = strstr(at + length, ": ");
-    if (text == nullptr) {  // an empty message may have lost its blank
-        const size_t size = strlen(at);
-        if (size == 0 || at[size - 1] != ':')
-            return false;
-        text = at + size - 1;
-    }
-    read->tag.assign(at + length, text);
-    read->tag.erase(read->tag.find_last_not_of(' ') + 1);
-    read->text = text[1] == ' ' ? text + 2 : "";
-    if (read->text.ends_with('\r'))
-        read->text.pop_back();
-    return true;
-}
-
-std::string logcat_clock_follow(logcat_clock *clock, size_t number, logcat_line *line) {
+// Brings a line's time to where time goes on. `number` is the line's in its file. Empty, or what
+// the log's reader is to know of it.
+std::string follow_clock(logcat_clock *clock, size_t number, logcat_line *line) {
     line->time_ns += clock->shift_ns;
     const int64_t step_ns = clock->begun ? line->time_ns - clock->last_ns : 0;
     int64_t shift_ns = step_ns < -back_ns || step_ns > ahead_ns ? -step_ns : 0;
@@ -130,7 +106,44 @@ std::string logcat_clock_follow(logcat_clock *clock, size_t number, logcat_line 
     return said;
 }
 
+}  // namespace
+
+bool logcat_read(const std::string &line, int64_t now_ns, logcat_line *read) {
+    const char *at = read_time(line.c_str(), now_ns, &read->time_ns, &read->has_year);
+    char priority;
+    int length = 0;
+    if (at == nullptr ||
+        sscanf(at, " %d %d %c %n", &read->process, &read->thread, &priority, &length) != 3 ||
+        length == 0)
+        return false;
+    read->priority = priority_of(priority);
+    const char *text = strstr(at + length, ": ");
+    if (text == nullptr) {  // an empty message may have lost its blank
+        const size_t size = strlen(at);
+        if (size == 0 || at[size - 1] != ':')
+            return false;
+        text = at + size - 1;
+    }
+    read->tag.assign(at + length, text);
+    read->tag.erase(read->tag.find_last_not_of(' ') + 1);
+    read->text = text[1] == ' ' ? text + 2 : "";
+    if (read->text.ends_with('\r'))
+        read->text.pop_back();
+    return true;
+}
+
 bool logcat_is_daemon(const logcat_line &line) {
     return std::any_of(std::begin(daemon_tags), std::end(daemon_tags),
                        [&](const char *tag) { return line.tag == tag; });
+}
+
+bool logcat_take(logcat_log *log, const std::string &line, int64_t now_ns, logcat_line *read) {
+    ++log->lines;
+    if (!logcat_read(line, now_ns, read) || !logcat_is_daemon(*read))
+        return false;
+    ++log->of_daemon;
+    const std::string remark = follow_clock(&log->clock, log->lines, read);
+    if (!remark.empty())
+        log->remarks.push_back(remark);
+    return true;
 }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 struct logcat_line {
     int64_t time_ns = 0;  // of the wall clock
@@ -28,9 +29,18 @@ struct logcat_clock {
     int64_t shift_ns = 0;  // what is added to the lines' own times
 };
 
-// Brings a line's time to where time goes on: it never runs back, and a change of the clock takes
-// no time. `number` is the line's in its file. Empty, or what the log's reader is to know of it.
-std::string logcat_clock_follow(logcat_clock *clock, size_t number, logcat_line *line);
+// A log that is read line by line.
+struct logcat_log {
+    logcat_clock clock;
+    size_t lines = 0;
+    size_t of_daemon = 0;
+    std::vector<std::string> remarks;  // for whoever reads it
+};
+
+// Takes the next line. True for one of the daemon's, whose time is brought to where time goes on:
+// it never runs back, and a change of the clock takes no time and is remarked. `now_ns` as of
+// logcat_read.
+bool logcat_take(logcat_log *log, const std::string &line, int64_t now_ns, logcat_line *read);
 
 // Whether the daemon writes under this tag.
 bool logcat_is_daemon(const logcat_line &line);

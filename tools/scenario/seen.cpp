@@ -69,11 +69,9 @@ struct phone {
     kernel_node interval = {-1, -1, true};
     int log_fd = -1;
     std::string log_name;
-    std::string rest;         // of the log, a line that has not ended yet
-    int64_t offset_ns = 0;    // of the wall clock before the recording's
-    size_t lines = 0;         // of the log
-    size_t daemon_lines = 0;  // of it
-    logcat_clock clock;
+    std::string rest;       // of the log, a line that has not ended yet
+    int64_t offset_ns = 0;  // of the wall clock before the recording's
+    logcat_log log;
 };
 
 // Opens a node beside its other readers. A pipe has one alone, the daemon.
@@ -107,13 +105,11 @@ bool take_report(const kernel_node &node, recorded_kind kind, short revents,
 
 bool take_log_line(phone *seen, const std::string &line, const line_taker &take) {
     logcat_line read;
-    ++seen->lines;
-    if (!logcat_read(line, timeline_now_ns(), &read) || !logcat_is_daemon(read))
+    if (!logcat_take(&seen->log, line, timeline_now_ns(), &read))
         return true;
-    ++seen->daemon_lines;
-    const std::string remark = logcat_clock_follow(&seen->clock, seen->lines, &read);
-    if (!remark.empty())
+    for (const std::string &remark : seen->log.remarks)
         warn(seen->log_name + ": " + remark);
+    seen->log.remarks.clear();
     timeline_entry entry = make_log_entry(read.time_ns, read.text);
     entry.thread = read.thread;
     entry.priority = read.priority;
@@ -181,8 +177,8 @@ std::string see(const seen_sources &sources, const follow_limit &limit, const li
             return "there is nothing to record: no node can be watched, and --log names no log";
     }
     std::string error = see_phone(&seen, limit, take);
-    if (error.empty() && seen.lines > 0 && seen.daemon_lines == 0)
-        return seen.log_name + ": none of its " + std::to_string(seen.lines) +
+    if (error.empty() && seen.log.lines > 0 && seen.log.of_daemon == 0)
+        return seen.log_name + ": none of its " + std::to_string(seen.log.lines) +
                " lines is the daemon's, in logcat's form threadtime";
     return error;
 }

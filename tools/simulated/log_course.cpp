@@ -191,21 +191,13 @@ course course_of_log(const std::vector<timeline_entry> &entries, int64_t start_n
 
 course course_of_log_text(std::string_view text) {
     std::vector<timeline_entry> entries;
-    std::vector<std::string> remarks;
-    logcat_clock clock;
-    size_t number = 0;
+    logcat_log log;
     for (size_t at = 0; at < text.size();) {
         const size_t end = std::min(text.find('\n', at), text.size());
         logcat_line line;
-        ++number;
-        if (end - at < line_max &&
-            logcat_read(std::string(text.substr(at, end - at)), timeline_now_ns(), &line) &&
-            logcat_is_daemon(line)) {
-            const std::string remark = logcat_clock_follow(&clock, number, &line);
-            if (!remark.empty())
-                remarks.push_back(remark);
+        const size_t length = end - at < line_max ? end - at : 0;  // no line of the daemon's
+        if (logcat_take(&log, std::string(text.substr(at, length)), timeline_now_ns(), &line))
             entries.push_back(make_log_entry(line.time_ns, line.text));
-        }
         at = end + 1;
     }
     course made;
@@ -214,6 +206,6 @@ course course_of_log_text(std::string_view text) {
         return made;
     }
     made = course_of_log(entries, entries.front().time_ns);
-    made.remarks.insert(made.remarks.begin(), remarks.begin(), remarks.end());
+    made.remarks.insert(made.remarks.begin(), log.remarks.begin(), log.remarks.end());
     return made;
 }

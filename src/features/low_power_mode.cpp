@@ -11,11 +11,8 @@
 namespace {
 
 constexpr int32_t level_low = 1;
-constexpr int32_t level_extreme = 2;
 constexpr int64_t low_delay_ms = 10000;
 constexpr int64_t extreme_delay_ms = 30000;
-constexpr int32_t extreme_fps = 30;
-constexpr int32_t no_cap = -1;
 
 constinit struct {
     bool lpm_supported = false;  // set at load time; the thermal check alone runs beside
@@ -47,7 +44,7 @@ void cb_set_lpm(void) {
 
 void cb_set_elpm(void) {
     pthread_mutex_lock(&lpm.lpm_lock);
-    if (is_level_on(level_extreme)) {
+    if (is_level_on(lpm_level_extreme)) {
         log_static(debug_features, "ELPM set");
         switch_frequencies(0, 1);
     }
@@ -63,12 +60,12 @@ int set_lpm_mode(int32_t on, int32_t mode, int32_t fps_cap) {
     lpm.lpm_mode = mode;
     switch_frequencies(0, 0);
     pthread_mutex_unlock(&lpm.lpm_lock);
-    if (on != 0 && mode == level_extreme)
+    if (on != 0 && mode == lpm_level_extreme)
         add_timer_event(timer_elpm, extreme_delay_ms, cb_set_elpm);
     else if (on != 0 && mode == level_low)
         add_timer_event(timer_lpm, low_delay_ms, cb_set_lpm);
-    const bool capped = on != 0 && mode == level_extreme && fps_cap != 0;
-    return requestor_request_fps(requestor_lpm, capped ? extreme_fps : no_cap);
+    const bool capped = on != 0 && mode == lpm_level_extreme && fps_cap != 0;
+    return requestor_request_fps(requestor_lpm, capped ? lpm_extreme_fps : lpm_no_cap);
 }
 
 int32_t get_lpm_mode(void) {

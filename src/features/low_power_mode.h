@@ -9,6 +9,11 @@
 
 #include <cstdint>
 
+// The extreme level, the frame rate that it may be capped at, and the request of no cap.
+constexpr int32_t lpm_level_extreme = 2;
+constexpr int32_t lpm_extreme_fps = 30;
+constexpr int32_t lpm_no_cap = -1;
+
 // Binds the thermal engine; without it every switch is ignored. Load time, before main.
 void init_lpm_config(void);
 

@@ -11,7 +11,6 @@
 namespace {
 
 // Periods in intervals, before the tunables divide them.
-constexpr int32_t jank_intervals = 30;
 constexpr int32_t average_intervals = 60;
 constexpr int32_t report_intervals = 300;
 
@@ -105,7 +104,7 @@ void check_jank(const fia_interval &now) {
             cur->jank_streak = 0;
         }
     }
-    if (fia_is_period_end(fia_period(jank_intervals))) {
+    if (fia_is_period_end(fia_period(fia_jank_intervals))) {
         cur->jank = 0;
         cur->jank_upsteps = 0;
     }
@@ -169,7 +168,7 @@ void apply_bands() {
 
 void update_jank_threshold() {
     fia_activity *cur = fia.data->cur;
-    cur->jank_period = fia_period(jank_intervals);
+    cur->jank_period = fia_period(fia_jank_intervals);
     const int32_t threshold =
         (100 - fia.data->hold_thresh) * cur->jank_period / 100 + fia.tunables->thresh_bias;
     cur->jank_thresh = threshold + (threshold - get_target_thresh(cur->target_fps, threshold));

@@ -8,6 +8,9 @@
 // Measurements that may be retried before a profile counts as one that never completes.
 constexpr int32_t fia_retry_max = 10;
 
+// Intervals over which janks are counted, before the tunables divide them.
+constexpr int32_t fia_jank_intervals = 30;
+
 // The interval that is being decided on: mean and variance of the last four, and their bucket.
 struct fia_interval {
     uint64_t mean;

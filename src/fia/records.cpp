@@ -23,7 +23,7 @@ void fia_publish(void) {
 
 void fia_pilot_init_elems(fia_pilot_elem *elems) {
     for (uint32_t i = 0; i < fia_bucket_count; ++i) {
-        const uint32_t fps = 60 - 3 * i;
+        const uint32_t fps = fia_bucket_fps(i);
         const uint32_t second = static_cast<uint32_t>(interval_second);
         elems[i] = {};
         elems[i].fps = fps;

@@ -139,9 +139,12 @@ inline fia_activity *fia_current_entry(void) {
     return &fia.activities[fia.data->act_idx];
 }
 
-// A fixed period of `intervals`, as the tunables divide it.
+// A fixed period of `intervals`, as the tunables divide it; 0 where they say 0.
+constexpr int32_t fia_divided(int32_t intervals, const fia_tunables &tunables) {
+    return tunables.period_divisor != 0 ? intervals / tunables.period_divisor : 0;
+}
 inline int32_t fia_period(int32_t intervals) {
-    return fia.tunables->period_divisor != 0 ? intervals / fia.tunables->period_divisor : 0;
+    return fia_divided(intervals, *fia.tunables);
 }
 
 // Whether `frame_cnt` is a multiple of `period`; a period of 0 never matches.
@@ -151,8 +154,13 @@ inline bool fia_is_period_end(int32_t period) {
 }
 
 // The share `percent` short of 100 of `reference`.
-inline uint32_t fia_margin(int32_t percent, uint32_t reference) {
+constexpr uint32_t fia_margin(int32_t percent, uint32_t reference) {
     return static_cast<uint32_t>(100 - percent) * reference / 100;
+}
+
+// Frames per second that a bucket stands for.
+constexpr uint32_t fia_bucket_fps(uint32_t bucket) {
+    return 60 - 3 * bucket;
 }
 
 // Frame-rate bucket of a mean interval, or fia_no_bucket for one longer than a second.

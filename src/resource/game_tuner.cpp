@@ -11,7 +11,6 @@
 namespace {
 
 constexpr int32_t no_target = 0;
-constexpr int32_t mode_tuned = 1;
 constexpr int64_t boost_ms = 1000;
 constexpr int64_t rotation_boost_ms = 2000;
 
@@ -88,7 +87,7 @@ void set_ofmode_control(int32_t game_on, int32_t ofvalue) {
 }
 
 int set_game_mode(int32_t game_on, int32_t fps) {
-    const bool tuned = game_on != 0 && tuner.policy != 0 && tuner.mode == mode_tuned;
+    const bool tuned = game_on != 0 && tuner.policy != 0 && tuner.mode == game_tuner_mode_tuned;
     if (tuned)
         log_error("Game tuner mode");
     if (tuned && fps >= fps_min && fps <= fps_max) {

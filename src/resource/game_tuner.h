@@ -8,6 +8,8 @@
 
 #include <cstdint>
 
+constexpr int32_t game_tuner_mode_tuned = 1;
+
 // Stores the mode of the foreground game (1: under the tuner) and announces whether the game
 // optimizer is on: policy on and mode 0.
 void set_game_tuner_mode(int32_t mode);

@@ -15,6 +15,7 @@
 #include "client/dvx_client.h"
 #include "device/virtual_device.h"
 #include "platform/clock.h"
+#include "tools/base/files.h"
 
 namespace {
 

@@ -12,10 +12,10 @@
 #include "device/virtual_device.h"
 #include "fia/interval_decision.h"
 #include "simulator/simulator.h"
+#include "tools/base/clock.h"
 #include "tools/lab/run.h"
 #include "tools/recording/messages.h"
-#include "tools/recording/recording_lines.h"
-#include "tools/simulated/apart.h"
+#include "tools/simulated/child_process.h"
 #include "tools/simulated/replay.h"
 
 namespace {
@@ -32,7 +32,7 @@ constexpr int64_t minute_ns = 60000000000;
 constexpr int minutes_a_day = 24 * 60;
 
 double now_ns() {
-    return static_cast<double>(device_now_ns());
+    return static_cast<double>(monotonic_ns());
 }
 
 template <typename operation>
@@ -47,10 +47,21 @@ double median_ns(operation measured) {
     return times[rounds / 2];
 }
 
+void tell(const dvx_message &message) {
+    take_up(make_message_happening(message));
+}
+
+void pass_time(int64_t time_ns) {
+    happening time;
+    time.kind = happening_kind::time;
+    time.time_ns = time_ns;
+    take_up(time);
+}
+
 void enter_game() {
-    simulator_message(make_text_message("powerhal", DVX_CODE_ACTIVITY, "com.example/.Game"));
-    simulator_message(make_text_message("powerhal", DVX_CODE_WINDOW, "com.example"));
-    simulator_message(make_message("powerhal", DVX_CODE_GAME, {0, 1, 60, 0}));
+    tell(make_text_message("powerhal", DVX_CODE_ACTIVITY, "com.example/.Game"));
+    tell(make_text_message("powerhal", DVX_CODE_WINDOW, "com.example"));
+    tell(make_message("powerhal", DVX_CODE_GAME, {0, 1, 60, 0}));
 }
 
 // Every minute a game comes and goes, the screen is touched and turned, a service asks: 15
@@ -59,11 +70,11 @@ void live_a_day() {
     for (int minute = 0; minute < minutes_a_day; ++minute) {
         enter_game();
         for (int32_t code = DVX_CODE_INTERACTION; code <= DVX_CODE_3RD_ENCODE; ++code)
-            simulator_message(make_message("powerhal", code, {minute % 2}));
-        simulator_message(make_message("tmr", DVX_CODE_TIMED_MITIGATION, {500}));
-        simulator_message(make_message("lowpowermode", 0, {minute % 2, 1 + minute % 3, 1}));
-        simulator_message(make_message("powerhal", DVX_CODE_GAME, {0, 0, 60, 0}));
-        simulator_advance_ns(minute_ns);
+            tell(make_message("powerhal", code, {minute % 2}));
+        tell(make_message("tmr", DVX_CODE_TIMED_MITIGATION, {500}));
+        tell(make_message("lowpowermode", 0, {minute % 2, 1 + minute % 3, 1}));
+        tell(make_message("powerhal", DVX_CODE_GAME, {0, 0, 60, 0}));
+        pass_time(minute_ns);
         simulator_take();
     }
 }
@@ -72,31 +83,35 @@ void live_a_day() {
 std::string make_recording() {
     std::string text = "{\"dvx_recording\":1,\"order\":\"taken\",\"t\":1}\n";
     int64_t time_ns = 1;
-    const auto add = [&](const std::string &line) { text += line + "\n"; };
-    for (const recorded_kind kind : {recorded_load, recorded_start, recorded_analyser})
-        add(recording_plain_line(time_ns, kind));
-    add(recording_message_line(
-        time_ns, make_text_message("powerhal", DVX_CODE_WINDOW, "com.example"), true));
-    add(recording_message_line(time_ns, make_message("powerhal", DVX_CODE_GAME, {0, 1, 60, 0}),
-                               false));
-    const std::string report = std::to_string(steady_us) + "\n";
+    const auto add = [&](const happening &taken) { text += recording_line_of(taken) + "\n"; };
+    happening first;
+    first.time_ns = time_ns;
+    for (const happening_kind kind :
+         {happening_kind::load, happening_kind::start, happening_kind::analyser}) {
+        first.kind = kind;
+        add(first);
+    }
+    for (const dvx_message &message :
+         {make_text_message("powerhal", DVX_CODE_WINDOW, "com.example"),
+          make_message("powerhal", DVX_CODE_GAME, {0, 1, 60, 0})})
+        add(make_message_happening(message, time_ns));
     for (int i = 0; i < intervals; ++i, time_ns += steady_us * int64_t{1000})
-        add(recording_report_line(time_ns, recorded_interval, report));
+        add(make_interval_happening(steady_us, time_ns));
     return text;
 }
 
 // Millions of intervals a second; each replay in a process of its own.
 double replay_rate(const std::string &text) {
-    const apart_result result = run_apart([&] {
+    const child_result result = run_in_child([&] {
         const double before = now_ns();
         whole_file content;
         content.text = text;
         recording file = recording_of(std::move(content));
         replay_counts counts;
-        replay_taken(&file, {}, &counts, nullptr, [](const moment &) {});
+        replay_exactly(&file, {}, &counts, nullptr, [](const step &) {});
         return std::to_string(static_cast<double>(counts.intervals) / (now_ns() - before) * 1e3);
     });
-    return atof(result.said.c_str());
+    return atof(result.output.c_str());
 }
 
 // Seconds that the lab takes for its games of ten minutes, and millions of frames a second.
@@ -145,10 +160,14 @@ int main() {
             notify_fia_interval_changed(steady_us);
         simulator_take();
     });
-    const double simulated = median_ns([] {
+    happening time;
+    time.kind = happening_kind::time;
+    time.time_ns = steady_us * int64_t{1000};
+    const happening interval = make_interval_happening(steady_us);
+    const double simulated = median_ns([&] {
         for (int i = 0; i < intervals; ++i) {
-            simulator_advance_ns(steady_us * int64_t{1000});
-            simulator_interval(steady_us);
+            take_up(time);
+            take_up(interval);
         }
         simulator_take();
     });

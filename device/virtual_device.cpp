@@ -11,16 +11,15 @@
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <sstream>
 
 #include "platform/host/property_files.h"
+#include "tools/base/clock.h"
+#include "tools/base/files.h"
 
 namespace fs = std::filesystem;
 
@@ -50,11 +49,6 @@ bool write_conf(const std::string &root, const std::string &content) {
     return write_file(root + device_conf, content) && write_file(root + device_marker, content);
 }
 
-std::string directory_of_program() {
-    std::error_code error;
-    return fs::read_symlink("/proc/self/exe", error).parent_path().string();
-}
-
 // Empty where `root` may be replaced, else why not.
 std::string check_replaceable(const fs::path &root) {
     std::error_code error;
@@ -76,11 +70,11 @@ bool create_node(const std::string &path) {
 // The process whose number stands in the file, as long as it is a program of this name: the number
 // may be another's by now.
 int running_process(const std::string &pid_path, const std::string &name) {
-    const int pid = atoi(device_read_file(pid_path).c_str());
+    const int pid = atoi(read_file(pid_path).c_str());
     if (pid <= 0)
         return 0;
     // "PID (NAME) STATE ...": one that has ended but has not been waited for does not run.
-    const std::string status = device_read_file("/proc/" + std::to_string(pid) + "/stat");
+    const std::string status = read_file("/proc/" + std::to_string(pid) + "/stat");
     const std::string running = std::to_string(pid) + " (" + name + ") ";
     return status.starts_with(running) && status[running.size()] != 'Z' ? pid : 0;
 }
@@ -124,22 +118,9 @@ int start_program(const std::string &root, std::vector<std::string> words, const
 
 }  // namespace
 
-std::string device_read_file(const std::string &path) {
-    std::ifstream file(path, std::ios::binary);
-    std::stringstream content;  // reading an attribute may fail, which iterators throw
-    content << file.rdbuf();
-    return content.str();
-}
-
-int64_t device_file_size(const std::string &path) {
-    std::error_code error;
-    const auto size = fs::file_size(path, error);
-    return error ? 0 : static_cast<int64_t>(size);
-}
-
 void device_set_answer(const std::string &root, const std::string &name, const std::string &value) {
     // The line that comes first counts.
-    const std::string rest = device_read_file(root + device_conf);
+    const std::string rest = read_file(root + device_conf);
     const std::string content = name + " = " + value + "\n" + rest;
     if (device_conf_is_own(root))
         write_file(root + device_conf, content);
@@ -147,18 +128,13 @@ void device_set_answer(const std::string &root, const std::string &name, const s
         write_conf(root, content);
 }
 
-std::string sibling_program(const std::string &name) {
-    return directory_of_program() + "/" + name;
-}
-
 std::string device_image_path(void) {
-    return fs::path(directory_of_program()).parent_path().string() + "/device";
+    return fs::path(sibling_program("")).parent_path().parent_path().string() + "/device";
 }
 
 bool device_conf_is_own(const std::string &root) {
-    const std::string conf = device_read_file(root + device_conf);
-    return device_exists(root) && conf != default_conf &&
-           conf != device_read_file(root + device_marker);
+    const std::string conf = read_file(root + device_conf);
+    return device_exists(root) && conf != default_conf && conf != read_file(root + device_marker);
 }
 
 std::string device_create(const std::string &root, const std::string &image, bool keep_conf) {
@@ -198,7 +174,7 @@ std::string device_create(const std::string &root, const std::string &image, boo
 }
 
 void device_keep_recording(const std::string &root) {
-    if (device_file_size(root + device_recording) == 0)
+    if (file_size(root + device_recording) == 0)
         return;
     std::error_code error;
     fs::rename(root + device_recording, root + device_previous_recording, error);
@@ -220,15 +196,9 @@ bool device_set_property(const std::string &root, const std::string &name,
     return property_file_write((root + "/properties").c_str(), name.c_str(), value.c_str()) == 0;
 }
 
-int64_t device_now_ns(void) {
-    timespec now;
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec;
-}
-
 bool device_hide_symbol(const std::string &library, const std::string &symbol) {
     // The loader compares names: one with another first letter is never found.
-    std::string content = device_read_file(library);
+    std::string content = read_file(library);
     const std::string name = '\0' + symbol + '\0';
     bool found = false;
     for (size_t at = content.find(name); at != std::string::npos; at = content.find(name, at + 1)) {
@@ -288,7 +258,7 @@ device_start_result device_wait_until_started(const std::string &root, int pid, 
     constexpr timespec pause = {0, 5000000};
     constexpr int pause_ms = 5;
     for (int waited_ms = 0; waited_ms < timeout_ms; waited_ms += pause_ms) {
-        if (device_read_file(root + device_daemon_log).find(started_line) != std::string::npos)
+        if (read_file(root + device_daemon_log).find(started_line) != std::string::npos)
             return device_started;
         int status;
         if (waitpid(pid, &status, WNOHANG) == pid || kill(pid, 0) != 0)
@@ -309,30 +279,11 @@ int device_services_process(const std::string &root) {
 std::string device_append_note(const std::string &path, std::string text) {
     std::replace_if(
         text.begin(), text.end(), [](unsigned char c) { return c < ' '; }, '?');
-    const std::string line = std::to_string(device_now_ns()).append(" ").append(text).append("\n");
+    const std::string line = std::to_string(monotonic_ns()).append(" ").append(text).append("\n");
     const int fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
     if (fd >= 0) {
         [[maybe_unused]] const ssize_t written = write(fd, line.data(), line.size());
         close(fd);
     }
     return text;
-}
-
-std::vector<std::string> device_read_lines(const std::string &path, int64_t *offset) {
-    std::vector<std::string> lines;
-    std::error_code error;
-    if (static_cast<int64_t>(fs::file_size(path, error)) < *offset && !error)
-        *offset = 0;  // begun anew
-    std::ifstream file(path, std::ios::binary);
-    file.seekg(*offset);
-    const std::string content{std::istreambuf_iterator<char>(file),
-                              std::istreambuf_iterator<char>()};
-    size_t start = 0;
-    for (size_t end = content.find('\n'); end != std::string::npos;
-         end = content.find('\n', start)) {
-        lines.push_back(content.substr(start, end - start));
-        start = end + 1;
-    }
-    *offset += static_cast<int64_t>(start);
-    return lines;
 }

@@ -46,9 +46,6 @@ std::string device_property(const std::string &root, const std::string &name);
 bool device_set_property(const std::string &root, const std::string &name,
                          const std::string &value);
 
-// Nanoseconds of this host's monotonic clock, which the device's files are dated by.
-int64_t device_now_ns(void);
-
 // Makes one symbol of a device's library unfindable. False when the library has none of that name.
 bool device_hide_symbol(const std::string &library, const std::string &symbol);
 
@@ -80,21 +77,9 @@ device_start_result device_wait_until_started(const std::string &root, int pid, 
 int device_daemon_process(const std::string &root);
 int device_services_process(const std::string &root);
 
-// The path of a program of this project that stands beside this one.
-std::string sibling_program(const std::string &name);
-
 // Appends a line to a file of the device with the time of the monotonic clock before it, in
 // nanoseconds. What could forge a line is replaced; the text as it was noted.
 std::string device_append_note(const std::string &path, std::string text);
 
-// A whole file; empty where it cannot be read.
-std::string device_read_file(const std::string &path);
-
-// How many bytes a file has; 0 where there is none.
-int64_t device_file_size(const std::string &path);
-
 // Lets a library call answer `value` from now on: "NAME" or "NAME.ARGUMENT" in the device's file.
 void device_set_answer(const std::string &root, const std::string &name, const std::string &value);
-
-// The lines of a text file of the device from `*offset` on, which moves behind the last whole line.
-std::vector<std::string> device_read_lines(const std::string &path, int64_t *offset);

@@ -14,6 +14,8 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <utility>
+
 #include "core/events.h"
 #include "device/service_words.h"
 #include "fia/lifecycle.h"
@@ -27,17 +29,11 @@
 namespace {
 
 constexpr size_t message_size = 1024;  // a longer one is cut, as the platform's log does
-constexpr char event_line[] = "EV : ";
 constexpr char callback_line[] = "Callback for ";
 
 std::string file_name(const char *path) {
     const char *slash = strrchr(path, '/');
     return slash != nullptr ? slash + 1 : path;
-}
-
-void add_event(int id) {
-    const char *name = event_name(static_cast<uint32_t>(id));
-    add_record(record_event, std::to_string(id).append(" ").append(name != nullptr ? name : "?"));
 }
 
 bool is_missing(const std::string &name) {
@@ -63,7 +59,7 @@ void start_analyser() {
 
 // ---- log
 
-extern "C" int __android_log_print(int priority, const char *tag, const char *format, ...) {
+extern "C" int __android_log_print(int priority, const char *, const char *format, ...) {
     // How an event travels is not told: what its callbacks do is.
     if (strncmp(format, callback_line, sizeof(callback_line) - 1) == 0)
         return 0;
@@ -73,13 +69,10 @@ extern "C" int __android_log_print(int priority, const char *tag, const char *fo
     va_start(arguments, format);
     const int length = vsnprintf(message, sizeof(message), format, arguments);
     va_end(arguments);
-    if (strncmp(format, event_line, sizeof(event_line) - 1) == 0) {
-        add_event(atoi(message + sizeof(event_line) - 1));
-    } else {
-        add_record(record_log, message);
-        simulated.records.back().priority = priority;
-        simulated.records.back().tag = tag;
-    }
+    record line = make_log_record(record_time_ns(), message);
+    if (line.kind == record_kind::log)
+        line.priority = priority;
+    add_record(std::move(line));
     errno = saved_errno;
     return length;
 }
@@ -87,7 +80,7 @@ extern "C" int __android_log_print(int priority, const char *tag, const char *fo
 // ---- properties
 
 extern "C" int property_get(const char *key, char *value, const char *default_value) {
-    if (const recorded_answer *answer = take_answer(answer_property); answer != nullptr)
+    if (const platform_answer *answer = take_answer(answer_kind::property); answer != nullptr)
         simulated.setup.properties[answer->name] = answer->value;
     const auto found = simulated.setup.properties.find(key);
     const bool set = found != simulated.setup.properties.end() && !found->second.empty();
@@ -102,7 +95,7 @@ extern "C" int property_set(const char *key, const char *value) {
     if (strlen(value) >= PROPERTY_VALUE_MAX)
         return -1;
     simulated.setup.properties[key] = value;
-    add_record(record_property, std::string(key).append(" ").append(value));
+    add_record(make_property_record(record_time_ns(), std::string(key).append(" ").append(value)));
     return 0;
 }
 
@@ -126,11 +119,11 @@ extern "C" int socket_local_server(const char *, int, int type) {
 }
 
 extern "C" int socket_local_client(const char *name, int, int) {
-    if (const recorded_answer *answer = take_answer(answer_connect); answer != nullptr)
+    if (const platform_answer *answer = take_answer(answer_kind::connect); answer != nullptr)
         return fail(static_cast<int>(answer->number));
     const auto state = simulated.setup.services.find(name);
-    if (state != simulated.setup.services.end() && state->second != service_up)
-        return fail(state->second == service_down ? ECONNREFUSED : EAGAIN);
+    if (state != simulated.setup.services.end() && state->second != service_state::up)
+        return fail(state->second == service_state::down ? ECONNREFUSED : EAGAIN);
     for (const device_service &service : device_services) {
         if (strcmp(service.socket, name) != 0)
             continue;
@@ -142,18 +135,19 @@ extern "C" int socket_local_client(const char *name, int, int) {
 
 long socket_send(int, const void *message, size_t size) {
     const device_service &service = *simulated.connected;
-    add_record(record_message, std::string(service.name) + "  " +
-                                   (size == service.message_size
-                                        ? service.describe(static_cast<const char *>(message))
-                                        : "a message of " + std::to_string(size) + " bytes"));
-    const recorded_answer *answer = take_answer(answer_sent);
+    add_record(make_service_record(
+        record_time_ns(),
+        std::string(service.name) + "  " +
+            (size == service.message_size ? service.describe(static_cast<const char *>(message))
+                                          : "a message of " + std::to_string(size) + " bytes")));
+    const platform_answer *answer = take_answer(answer_kind::sent);
     return answer != nullptr ? static_cast<long>(answer->number) : static_cast<long>(size);
 }
 
 // ---- clock and threads
 
 int64_t clock_monotonic_ns(void) {
-    if (const recorded_answer *answer = take_answer(answer_clock); answer != nullptr)
+    if (const platform_answer *answer = take_answer(answer_kind::clock); answer != nullptr)
         simulated.now_ns = simulated.happening_ns + answer->number;
     return simulated.now_ns;
 }
@@ -193,14 +187,14 @@ int device_path(char *buffer, size_t size, const char *path) {
 void *device_library_open(const char *path, int flags) {
     char host_path[PATH_MAX];
     // What is missing is looked for where it would be on a device, which this host is not.
-    if (take_answer(answer_missing) != nullptr || is_missing(file_name(path)) ||
+    if (take_answer(answer_kind::missing) != nullptr || is_missing(file_name(path)) ||
         device_path(host_path, sizeof(host_path), path) != 0)
         return dlopen(path, flags);
     return dlopen(host_path, flags);
 }
 
 void *device_library_symbol(void *library, const char *name) {
-    const bool missing = take_answer(answer_missing) != nullptr || is_missing(name);
+    const bool missing = take_answer(answer_kind::missing) != nullptr || is_missing(name);
     return dlsym(library, missing ? std::string("~").append(name).c_str() : name);
 }
 
@@ -210,11 +204,21 @@ extern "C" void simulator_note_call(const char *call);
 extern "C" int simulator_find_answer(const char *name, char *text, size_t size);
 
 void simulator_note_call(const char *call) {
-    add_record(record_call, call);
+    record made = make_call_record(record_time_ns(), call);
+    made.answer = 0;  // where nothing else is said
+    add_record(std::move(made));
+}
+
+// A call has just been noted where this is the answer to it: its name, or that and its argument.
+static void note_answer(const std::string &name, const char *text) {
+    record *call = simulated.records.empty() ? nullptr : &simulated.records.back();
+    if (call != nullptr && call->kind == record_kind::call &&
+        (name == call->name || name.starts_with(call->name + ".")))
+        call->answer = atoi(text);
 }
 
 int simulator_find_answer(const char *name, char *text, size_t size) {
-    if (const recorded_answer *answer = take_answer(answer_library); answer != nullptr) {
+    if (const platform_answer *answer = take_answer(answer_kind::library); answer != nullptr) {
         if (answer->number != 0)
             simulated.setup.answers[answer->name] = answer->value;
         else
@@ -227,5 +231,6 @@ int simulator_find_answer(const char *name, char *text, size_t size) {
         clock_sleep_us(atoll(found->second.c_str()) * 1000);
         return -1;
     }
+    note_answer(found->first, found->second.c_str());
     return snprintf(text, size, "%s", found->second.c_str());
 }

@@ -18,6 +18,7 @@ simulator_state simulated;
 
 namespace {
 
+constexpr int64_t us_ns = 1000;
 constexpr int64_t ms_ns = 1000000;
 constexpr int64_t second_ns = 1000000000;
 constexpr int64_t boot_ns = 1000 * second_ns;  // the clock of a device that has been up for a while
@@ -78,6 +79,104 @@ void start_analyser() {
         fia_stop_analyser();
 }
 
+void take_interval(const happening &interval) {
+    if (interval.interval_us)
+        run_on("kevent_monitor", [&] { notify_fia_interval_changed(*interval.interval_us); });
+    else
+        run_on("kevent_monitor", [&] { cb_notify_fbcn_interval(as_read(interval.value).c_str()); });
+}
+
+void pass_time(int64_t duration_ns) {
+    const int64_t end_ns = simulated.now_ns + duration_ns;
+    for (;;) {
+        const int64_t timer_ns = next_timer_ns();
+        const int64_t next_ns = std::min(timer_ns, thermal.next_ns);
+        if (next_ns > end_ns)
+            break;
+        simulated.now_ns = std::max(next_ns, simulated.now_ns);
+        if (timer_ns <= thermal.next_ns)
+            run_on("timer", [] { check_expired_work(); });
+        else
+            run_on("thermal_check", run_thermal_poll);
+    }
+    simulated.now_ns = std::max(end_ns, simulated.now_ns);
+}
+
+void let_frames_come(const happening &frames) {
+    happening interval;
+    interval.kind = happening_kind::interval;
+    for (int64_t i = 0; i < frames.count; ++i) {
+        const int32_t interval_us =
+            frames.intervals_us[static_cast<size_t>(i) % frames.intervals_us.size()];
+        interval.interval_us = interval_us;
+        pass_time(std::max<int64_t>(interval_us, 0) * us_ns);
+        take_interval(interval);
+    }
+}
+
+// What happens to a daemon and around it; its threads' own steps come with time.
+int let_happen(const happening &given) {
+    switch (given.kind) {
+        case happening_kind::message:
+            run_on("client_listener", [&] { dispatch_message(given.message.get()); });
+            break;
+        case happening_kind::panel:
+            run_on("kevent_monitor",
+                   [&] { cb_notify_panel_power_states(as_read(given.value).c_str()); });
+            break;
+        case happening_kind::interval:
+            take_interval(given);
+            break;
+        case happening_kind::frames:
+            let_frames_come(given);
+            break;
+        case happening_kind::time:
+            pass_time(given.time_ns);
+            break;
+        case happening_kind::property:
+            simulated.setup.properties[given.name] = given.value;
+            break;
+        case happening_kind::answer:
+            simulated.setup.answers[given.name] = given.value;
+            break;
+        case happening_kind::service:
+            simulated.setup.services[given.name] = given.state;
+            break;
+        case happening_kind::failure:
+            fail_allocation_after(static_cast<int>(given.count) - 1);
+            break;
+        default:
+            break;
+    }
+    return 0;
+}
+
+// What was recorded, on its thread.
+int replay(const happening &given) {
+    int result = 0;
+    switch (given.kind) {
+        case happening_kind::load:
+            run_on("dvxd", [] { prepare_daemon(); });
+            break;
+        case happening_kind::start:
+            run_on("dvxd", [&] { result = start_daemon(); });
+            break;
+        case happening_kind::analyser:
+            run_on("fia", start_analyser);
+            break;
+        case happening_kind::timers:
+            run_on("timer", [] { check_expired_work(); });
+            break;
+        case happening_kind::thermal:
+            run_on("thermal_check", replay_thermal_poll);
+            break;
+        default:
+            result = let_happen(given);
+            break;
+    }
+    return result;
+}
+
 }  // namespace
 
 simulator_setup simulator_fresh_device(const std::string &image) {
@@ -106,104 +205,31 @@ int simulator_start(const simulator_setup &setup) {
     return 0;
 }
 
-void simulator_message(const dvx_message &message) {
-    run_on("client_listener", [&] { dispatch_message(&message); });
-}
-
-void simulator_panel_report(const std::string &report) {
-    run_on("kevent_monitor", [&] { cb_notify_panel_power_states(as_read(report).c_str()); });
-}
-
-void simulator_interval_report(const std::string &report) {
-    run_on("kevent_monitor", [&] { cb_notify_fbcn_interval(as_read(report).c_str()); });
-}
-
-void simulator_interval(int32_t interval_us) {
-    run_on("kevent_monitor", [&] { notify_fia_interval_changed(interval_us); });
-}
-
-void simulator_set_property(const std::string &name, const std::string &value) {
-    simulated.setup.properties[name] = value;
-}
-
-void simulator_set_answer(const std::string &name, const std::string &value) {
-    simulated.setup.answers[name] = value;
-}
-
-void simulator_set_service(const std::string &socket, simulated_service state) {
-    simulated.setup.services[socket] = state;
-}
-
-void simulator_advance_ns(int64_t duration_ns) {
-    const int64_t end_ns = simulated.now_ns + duration_ns;
-    for (;;) {
-        const int64_t timer_ns = next_timer_ns();
-        const int64_t next_ns = std::min(timer_ns, thermal.next_ns);
-        if (next_ns > end_ns)
-            break;
-        simulated.now_ns = std::max(next_ns, simulated.now_ns);
-        if (timer_ns <= thermal.next_ns)
-            run_on("timer", [] { check_expired_work(); });
-        else
-            run_on("thermal_check", run_thermal_poll);
-    }
-    simulated.now_ns = std::max(end_ns, simulated.now_ns);
-}
-
 void simulator_replay_from(const simulator_setup &setup, int64_t first_ns) {
     simulated.setup = setup;
     simulated.replaying = true;
     simulated.start_ns = simulated.now_ns = first_ns;
 }
 
-int simulator_replay(const recorded_happening &what) {
-    simulated.now_ns = simulated.happening_ns = what.time_ns;
-    simulated.answers = &what.answers;
+int take_up(const happening &given) {
+    if (!simulated.replaying)
+        return let_happen(given);
+    simulated.now_ns = simulated.happening_ns = given.time_ns;
+    simulated.answers = &given.answers;
     simulated.next_answer = 0;
     simulated.questions = 0;
-    int result = 0;
-    switch (what.kind) {
-        case recorded_load:
-            run_on("dvxd", [] { prepare_daemon(); });
-            break;
-        case recorded_start:
-            run_on("dvxd", [&] { result = start_daemon(); });
-            break;
-        case recorded_analyser:
-            run_on("fia", start_analyser);
-            break;
-        case recorded_message:
-            simulator_message(what.message);
-            break;
-        case recorded_panel:
-            simulator_panel_report(what.report);
-            break;
-        case recorded_interval:
-            simulator_interval_report(what.report);
-            break;
-        case recorded_timers:
-            run_on("timer", [] { check_expired_work(); });
-            break;
-        case recorded_thermal:
-            run_on("thermal_check", replay_thermal_poll);
-            break;
-    }
+    const int result = replay(given);
     simulated.answers = nullptr;
     return result;
 }
 
-void simulator_replay_interval(int64_t time_ns, int32_t interval_us) {
-    simulated.now_ns = time_ns;
-    simulator_interval(interval_us);
-}
-
-const recorded_answer *take_answer(recorded_answer_kind kind) {
+const platform_answer *take_answer(answer_kind kind) {
     if (simulated.answers == nullptr)
         return nullptr;
     const int question = simulated.questions++;
     if (simulated.next_answer >= simulated.answers->size())
         return nullptr;
-    const recorded_answer &next = (*simulated.answers)[simulated.next_answer];
+    const platform_answer &next = (*simulated.answers)[simulated.next_answer];
     if (next.question != question)
         return nullptr;
     ++simulated.next_answer;
@@ -214,11 +240,15 @@ int64_t simulator_now_ns(void) {
     return simulated.now_ns - simulated.start_ns;
 }
 
-std::vector<simulator_record> simulator_take(void) {
+std::vector<record> simulator_take(void) {
     return std::exchange(simulated.records, {});
 }
 
-void add_record(record_kind kind, const std::string &text) {
-    simulated.records.push_back(
-        {simulated.now_ns - simulated.start_ns, kind, turns_thread(), 0, "", text});
+void add_record(record came) {
+    came.thread_name = turns_thread();
+    simulated.records.push_back(std::move(came));
+}
+
+int64_t record_time_ns() {
+    return simulated.now_ns - simulated.start_ns;
 }

@@ -10,6 +10,7 @@ add_library(dvx_platform STATIC
     platform/host/property_files.cpp
     platform/host/recording.cpp
     platform/host/recording_file.cpp
+    platform/host/recording_lines.cpp
     platform/host/sockets.cpp
     platform/host/standard_files.cpp
     platform/host/thread.cpp

@@ -10,16 +10,14 @@
 #include <map>
 #include <string>
 
-#include "client/dvx_client.h"
 #include "platform/host/json_text.h"
 #include "platform/host/recording_file.h"
+#include "platform/host/recording_lines.h"
 #include "platform/host/standard_files.h"
 #include "platform/host/turns.h"
 #include "platform/recording.h"
 
 namespace {
-
-constexpr int format_version = 1;
 
 // The happening that is under way, and what was answered last under each name.
 struct happening_state {
@@ -47,22 +45,6 @@ int64_t read_clock_ns(clockid_t clock) {
     return static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec;
 }
 
-void append_text(std::string *line, const char *name, const char *text) {
-    *line += std::string(",\"").append(name).append("\":");
-    append_json_text(line, text, strlen(text));
-}
-
-void append_number(std::string *line, const char *name, int64_t number) {
-    line->append(",\"").append(name).append("\":").append(std::to_string(number));
-}
-
-std::string begin_line(int64_t time_ns, const char *thread) {
-    std::string line = "{\"t\":";
-    line += std::to_string(time_ns);
-    append_text(&line, "thread", thread);
-    return line;
-}
-
 // The first thing that the daemon does.
 bool open_file() {
     standard_files_take_up();
@@ -70,15 +52,14 @@ bool open_file() {
     if (path == nullptr || path[0] == '\0' || !recording_file_open(path))
         return false;
     recording.now = new happening_state{};
-    std::string header = "{\"dvx_recording\":";
-    header += std::to_string(format_version);
-    append_text(&header, "daemon", DVX_VERSION);
-    append_text(&header, "order", "taken");
-    append_number(&header, "t", read_clock_ns(CLOCK_MONOTONIC));
-    append_number(&header, "wall_ns", read_clock_ns(CLOCK_REALTIME));
+    recording_header header;
+    header.daemon = DVX_VERSION;
+    header.taken = true;
+    header.time_ns = read_clock_ns(CLOCK_MONOTONIC);
+    header.wall_ns = read_clock_ns(CLOCK_REALTIME);
     const char *root = getenv("DVXD_ROOT");
-    append_text(&header, "root", root != nullptr ? root : "");
-    recording_file_write(header + "}\n");
+    header.root = root != nullptr ? root : "";
+    recording_file_write(recording_header_line(header) + "\n");
     recording_observe_library(RTLD_DEFAULT);
     return true;
 }
@@ -95,10 +76,10 @@ void note_output(const char *name, const char *text, const std::string &more = {
     char own_name[16] = "";
     if (!inside)
         pthread_getname_np(pthread_self(), own_name, sizeof(own_name));
-    std::string line =
-        begin_line(read_clock_ns(CLOCK_MONOTONIC), inside ? turns_thread() : own_name);
-    append_text(&line, name, text);
-    line += more + (inside ? "}\n" : ",\"aside\":true}\n");
+    const std::string line =
+        recording_output_line(read_clock_ns(CLOCK_MONOTONIC), inside ? turns_thread() : own_name,
+                              name, text, inside ? more : more + ",\"aside\":true") +
+        "\n";
     if (inside)
         recording.now->out += line;
     else
@@ -127,68 +108,7 @@ std::string quoted(const char *text) {
     return line;
 }
 
-// Whether the bytes are a text of three letters or more with nothing behind it.
-bool is_text(const char *bytes, size_t size) {
-    const size_t length = strnlen(bytes, size);
-    for (size_t i = 0; i < size; ++i)
-        if (i < length ? static_cast<unsigned char>(bytes[i]) < ' ' : bytes[i] != '\0')
-            return false;
-    return length >= 3 && length < size;
-}
-
-void append_message(std::string *line, const dvx_message &message) {
-    const char *bytes = reinterpret_cast<const char *>(&message.payload);
-    const std::string client(message.client, strnlen(message.client, DVX_CLIENT_NAME_SIZE));
-    append_text(line, "client", client.c_str());
-    append_number(line, "code", message.code);
-    if (is_text(bytes, DVX_PAYLOAD_SIZE)) {
-        append_text(line, "text", bytes);
-        return;
-    }
-    int32_t values[DVX_PAYLOAD_VALUES];
-    memcpy(values, bytes, sizeof(values));
-    size_t count = DVX_PAYLOAD_VALUES;
-    while (count > 0 && values[count - 1] == 0)
-        --count;
-    *line += ",\"values\":[";
-    for (size_t i = 0; i < count; ++i)
-        line->append(i > 0 ? "," : "").append(std::to_string(values[i]));
-    *line += "]";
-}
-
-// A report as its number where that is all of it, else as text.
-void append_report(std::string *line, const char *report) {
-    char same[16];
-    const int interval_us = atoi(report);
-    snprintf(same, sizeof(same), "%d\n", interval_us);
-    if (recording.now->kind == recorded_interval && strcmp(report, same) == 0)
-        append_number(line, "us", interval_us);
-    else
-        append_text(line, "report", report);
-}
-
-void append_taken(std::string *line) {
-    const happening_state &now = *recording.now;
-    if (now.kind == recorded_message)
-        append_message(line, *static_cast<const dvx_message *>(now.taken));
-    else if (now.taken != nullptr)
-        append_report(line, static_cast<const char *>(now.taken));
-    if (!now.given.empty())
-        *line += ",\"given\":[" + now.given + "]";
-}
-
 }  // namespace
-
-const recorded_kind_words recorded_words[recorded_kinds] = {
-    {"dvxd", "load"},
-    {"dvxd", "start"},
-    {"fia", "analyser"},
-    {"client_listener", "message"},
-    {"kevent_monitor", "panel"},
-    {"kevent_monitor", "interval"},
-    {"timer", "timers"},
-    {"thermal_check", "thermal"},
-};
 
 bool recording_is_on(void) {
     static const bool on = open_file();
@@ -216,10 +136,9 @@ void recording_end(bool happened) {
     turns_let_other_run();
     const happening_state &now = *recording.now;
     if (happened || !now.out.empty()) {
-        std::string lines = begin_line(now.begin_ns, recorded_words[now.kind].thread);
-        append_text(&lines, "in", recorded_words[now.kind].word);
-        append_taken(&lines);
-        recording_file_write(lines + "}\n" + now.out);
+        recording_file_write(
+            recording_happening_line(now.begin_ns, now.kind, now.taken, now.given) + "\n" +
+            now.out);
     }
     at_happening = false;
     pthread_mutex_unlock(&recording.lock);
@@ -229,9 +148,8 @@ void recording_note_log(int priority, const char *tag, const char *text) {
     // How an event travels is not noted: what its callbacks do is.
     if (!recording_is_on() || strncmp(text, "Callback for ", strlen("Callback for ")) == 0)
         return;
-    std::string more;
-    append_number(&more, "priority", priority);
-    append_text(&more, "tag", tag);
+    std::string more = recording_number("priority", priority) + ",\"tag\":";
+    append_json_text(&more, tag, strlen(tag));
     note_output("log", text, more);
 }
 

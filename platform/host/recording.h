@@ -9,13 +9,6 @@
 
 #include "platform/recording.h"
 
-// The thread that takes a kind of happening, and the kind's word in a recording.
-struct recorded_kind_words {
-    const char *thread;
-    const char *word;
-};
-extern const recorded_kind_words recorded_words[recorded_kinds];
-
 // Whether this process records. The first call opens the file.
 bool recording_is_on(void);
 

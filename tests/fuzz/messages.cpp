@@ -7,7 +7,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     start_live_daemon();
     dvx_message message = {};
     memcpy(&message, data, std::min(size, sizeof(message)));
-    simulator_message(message);
+    take_up(make_message_happening(message));
     simulator_take();
     return 0;
 }

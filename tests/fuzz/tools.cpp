@@ -7,8 +7,8 @@
 
 #include <sstream>
 
-#include "tools/explain/moments.h"
-#include "tools/explain/status.h"
+#include "tools/commands/explain_commands.h"
+#include "tools/explain/history.h"
 #include "tools/explain/why.h"
 #include "tools/frames/frame_figures.h"
 #include "tools/frames/frame_file.h"
@@ -18,7 +18,7 @@
 #include "tools/recording/timeline.h"
 #include "tools/report/report.h"
 #include "tools/scenario/scenario.h"
-#include "tools/simulated/course.h"
+#include "tools/simulated/stimulus.h"
 
 namespace {
 
@@ -28,19 +28,19 @@ whole_file content_of(const std::string &text) {
     return content;
 }
 
-void read_as_moments(const std::string &text) {
+void read_as_steps(const std::string &text) {
     daemon_state state;
-    const auto begin = [&](const moment_source &source) {
+    const auto begin = [&](const history_source &source) {
         state = daemon_state_make(source.figures);
     };
-    moments_of_content(content_of(text), begin, [&](const moment &now) {
-        for (const decision &made : why_take(&state, now))
+    history_of_content(content_of(text), begin, [&](const step &taken) {
+        for (const decision &made : why_take(&state, taken))
             decision_text(made);
     });
     recording file = recording_of(content_of(text));
     if (file.error.empty())
-        course_of_recording(&file);
-    course_of_log_text(text);
+        stimulus_of_recording(&file);
+    stimulus_of_log_text(text);
 }
 
 // The input as a file, by whose path commands open it.
@@ -84,8 +84,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     }
     std::istringstream log(text);
     for (std::string line; std::getline(log, line);)
-        log_line_sentence(log_line_match(parse_daemon_line(line, 0).text));
-    read_as_moments(text);
+        if (const record came = parse_daemon_line(line, 0); came.row != nullptr)
+            log_line_sentence(*came.row, came.values);
+    read_as_steps(text);
     games_read_text(text);
     std::istringstream scenarios(text);
     read_scenarios(scenarios);

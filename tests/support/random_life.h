@@ -5,6 +5,13 @@
 #include "simulator/simulator.h"
 #include "tests/support/byte_source.h"
 
+inline void pass_time(int64_t time_ns) {
+    happening time;
+    time.kind = happening_kind::time;
+    time.time_ns = time_ns;
+    take_up(time);
+}
+
 // A passage of frames: steady, uneven, or with odd values.
 inline void let_frames_pass(byte_source *from) {
     const int32_t usual_us = 1000000 / (20 + static_cast<int32_t>(from->pick(45)));
@@ -12,17 +19,20 @@ inline void let_frames_pass(byte_source *from) {
     for (int i = from->next() * 6; i >= 0; --i) {
         const int32_t late_us = i * 7919 % (unrest % 3 == 0 ? 20000 : 200);
         const int32_t interval_us = unrest > 128 && i == 50 ? from->number() : usual_us + late_us;
-        simulator_advance_ns(interval_us > 0 && interval_us < 1000000 ? interval_us * 1000LL : 0);
-        simulator_interval(interval_us);
+        pass_time(interval_us > 0 && interval_us < 1000000 ? interval_us * 1000LL : 0);
+        take_up(make_interval_happening(interval_us));
     }
 }
 
 inline void let_something_happen(byte_source *from) {
-    constexpr simulated_service states[] = {service_up, service_up, service_down, service_hung};
+    constexpr service_state states[] = {service_state::up, service_state::up, service_state::down,
+                                        service_state::hung};
+    happening given;
     switch (from->pick(12)) {
         case 0:
-            simulator_panel_report(
-                from->any({"panel_power_on = 1\n", "panel_power_on = 0\n", "", "odd"}));
+            given.kind = happening_kind::panel;
+            given.value = from->any({"panel_power_on = 1\n", "panel_power_on = 0\n", "", "odd"});
+            take_up(given);
             break;
         case 1:
         case 2:
@@ -30,18 +40,21 @@ inline void let_something_happen(byte_source *from) {
             break;
         case 3:
         case 4:
-            simulator_advance_ns(from->next() * int64_t{157000000});
+            pass_time(from->next() * int64_t{157000000});
             break;
         case 5:
-            simulator_set_service(from->any({"gbm-client", "merlak-client", "powercontrol-client"}),
-                                  from->any(states));
+            given.kind = happening_kind::service;
+            given.state = from->any(states);
+            given.name = from->any({"gbm-client", "merlak-client", "powercontrol-client"});
+            take_up(given);
             break;
-        case 6: {
-            const size_t call = from->pick(device_calls_known.size());
-            simulator_set_answer(device_calls_known[call].name, from->any({"0", "0", "12", "-1"}));
+        case 6:
+            given.kind = happening_kind::answer;
+            given.name = device_calls_known[from->pick(device_calls_known.size())].name;
+            given.value = from->any({"0", "0", "12", "-1"});
+            take_up(given);
             break;
-        }
         default:
-            simulator_message(something_to_tell(from));
+            take_up(make_message_happening(something_to_tell(from)));
     }
 }

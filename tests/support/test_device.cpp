@@ -9,6 +9,7 @@
 #include <fstream>
 
 #include "device/virtual_device.h"
+#include "tools/base/files.h"
 
 test_device::test_device() {
     char name[] = "/tmp/dvx-test-XXXXXX";
@@ -28,7 +29,7 @@ test_device::~test_device() {
 std::vector<std::string> device_calls(test_device *device) {
     std::vector<std::string> calls;
     for (const std::string &line :
-         device_read_lines(device->root + device_calls_log, &device->calls_offset)) {
+         read_lines(device->root + device_calls_log, &device->calls_offset)) {
         const size_t thread = line.find(' ');
         calls.push_back(line.substr(line.find(' ', thread + 1) + 1));
     }

@@ -13,6 +13,7 @@
 #include "device/virtual_device.h"
 #include "tests/support/load.h"
 #include "tests/support/test_device.h"
+#include "tools/base/files.h"
 
 namespace {
 
@@ -85,7 +86,7 @@ callback_log read_callbacks(const test_device &device) {
     std::map<int, std::vector<delivery>> threads;
     bool started = false;
     int64_t offset = 0;
-    for (const std::string &line : device_read_lines(device.root + device_daemon_log, &offset)) {
+    for (const std::string &line : read_lines(device.root + device_daemon_log, &offset)) {
         char name[32];
         int thread = 0;
         int event = 0;

@@ -12,6 +12,7 @@
 
 #include "device/virtual_device.h"
 #include "tests/support/test_device.h"
+#include "tools/base/files.h"
 #include "tools/recording/messages.h"
 
 namespace {
@@ -44,7 +45,7 @@ struct Daemon : testing::Test {
             << log();
     }
 
-    std::string log() const { return device_read_file(device.root + device_daemon_log); }
+    std::string log() const { return read_file(device.root + device_daemon_log); }
 
     bool has_logged(const std::string &text) const { return log().find(text) != std::string::npos; }
 
@@ -93,7 +94,7 @@ TEST_F(Daemon, LoadedLibraryCallsItBack) {
                   fs::copy_options::overwrite_existing);
     std::ofstream(device.root + "/callback.txt") << "............";
     start();
-    EXPECT_EQ(device_read_file(device.root + "/callback.txt"), "called back!");
+    EXPECT_EQ(read_file(device.root + "/callback.txt"), "called back!");
 }
 
 TEST_F(Daemon, ServesWhatIsLeftOfADevice) {
@@ -111,7 +112,7 @@ TEST_F(Daemon, SecondDaemonEndsWithItsLine) {
     int status = 0;
     waitpid(other, &status, 0);
     EXPECT_EQ(WEXITSTATUS(status), 255);
-    const std::string text = device_read_file(second.root + device_daemon_log);
+    const std::string text = read_file(second.root + device_daemon_log);
     EXPECT_NE(text.find("E Quorvel : Failed to init server..\n"), std::string::npos) << text;
     tell("dgpc", DVX_CODE_FPS, {30});  // the first is none the worse
     wait_for_call("request_fps 30");

@@ -36,9 +36,10 @@ std::string without_path(std::string text) {
 }
 
 void print_records() {
-    for (const simulator_record &record : simulator_take())
-        printf("%lld %d %s %d %s\n", static_cast<long long>(record.time_ns / 1000), record.kind,
-               record.thread, record.priority, without_path(record.text).c_str());
+    for (const record &came : simulator_take())
+        printf("%lld %s %s %d %s\n", static_cast<long long>(came.time_ns / 1000),
+               record_word(came.kind), came.thread_name.c_str(), came.priority,
+               without_path(came.text).c_str());
 }
 
 void live(unsigned seed) {

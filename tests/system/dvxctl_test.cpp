@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "tests/support/tool.h"
+#include "tools/base/files.h"
 #include "tools/device/delivery.h"
 #include "tools/recording/messages.h"
 #include "tools/recording/timeline.h"
@@ -40,7 +41,7 @@ TEST_F(Tool, DrivesADeviceFromItsLayoutToItsEnd) {
     EXPECT_EQ(device_calls_of(&device, "request_fps"), std::vector<std::string>{"request_fps 60"});
     EXPECT_EQ(dvxctl("raw powerhal 4 --text 'a window'").status, 0);
     EXPECT_EQ(dvxctl("home 2 com.example.home").status, 0);
-    const std::string noted = device_read_file(device.root + device_messages_log);
+    const std::string noted = read_file(device.root + device_messages_log);
     EXPECT_NE(noted.find(" window a window  (powerhal 4)\n"), std::string::npos);
     EXPECT_NE(noted.find(" home 2 com.example.home  (powerhal 15)\n"), std::string::npos);
     expect_refused(1, "raw nobody 0", "doesn't support nobody");
@@ -142,15 +143,15 @@ TEST_F(Tool, TimelineShowsCausesBeforeTheirEffects) {
         const int32_t fps = 20 + i % 2;
         for (const dvx_message &message : {make_message("dgpc", DVX_CODE_FPS, {fps}),
                                            make_message("powerhal", DVX_CODE_ROTATION, {})})
-            ASSERT_EQ(deliver_message(message, false, device.root).reason, "");
+            ASSERT_EQ(deliver_message(message, device.root).reason, "");
     }
     usleep(2 * timeline_hold_back_ns / 1000);
     std::string seen;
-    for (const timeline_entry &entry : timeline_read(&line))
+    for (const record &came : timeline_read(&line))
         for (const auto &[text, letter] :
              {std::pair{"fps ", 'f'}, std::pair{"CF", 'c'}, std::pair{"request_fps", 'h'},
               std::pair{"rotate", 'r'}, std::pair{"14 EV_ROTATION", 'e'}})
-            if (entry.text.starts_with(text))
+            if (came.text.starts_with(text))
                 seen += letter;
     std::string expected;
     for (int i = 0; i < messages; ++i)
@@ -163,7 +164,7 @@ TEST_F(Tool, WatchTellsOfTheDaemonAndTheDevice) {
     std::thread watcher([&] { dvxctl("watch --brief > " + output); });
     const auto shows = [&](const std::string &text) {
         for (int i = 0; i < 2000; ++i, usleep(5000))
-            if (device_read_file(output).find(text) != std::string::npos)
+            if (read_file(output).find(text) != std::string::npos)
                 return true;
         return false;
     };

@@ -12,7 +12,8 @@
 #include "device/hardware_conf.h"
 #include "simulator/allocation.h"
 #include "simulator/simulator.h"
-#include "tools/scenario/players.h"
+#include "tools/scenario/scenario.h"
+#include "tools/scenario/target.h"
 
 namespace {
 
@@ -38,37 +39,37 @@ scenario_file the_day;
 // cannot go on; a daemon that serves takes messages to the end: one of a code that there is not has
 // its line.
 outcome live(const happening &fault) {
-    const player by = make_simulator_player();
-    by.start({fault});
+    const target daemon = make_simulator_target();
+    static_cast<void>(daemon.start({fault}));  // what fails comes as a record
     bool ended = false;
     bool says_why = false;
-    for (const timeline_entry &record : by.take()) {
-        ended |= record.kind == timeline_end;
-        says_why |= record.kind == timeline_log && record.thread_name == "dvxd" &&
-                    core_lines.contains(record.text);
+    for (const record &came : daemon.records()) {
+        ended |= came.kind == record_kind::end;
+        says_why |= came.kind == record_kind::log && came.thread_name == "dvxd" &&
+                    core_lines.contains(came.text);
     }
     if (ended)
         return says_why ? outcome_ended : outcome_wrong;
     for (const scenario_step &step : the_day.scenarios[0].steps)
-        if (says_why || !by.play(step.what).empty())
+        if (says_why || daemon.take_up(step.given).kind != failure::none)
             return outcome_wrong;
     if (fault.name == "allocation" && !allocation_has_failed())
         return outcome_nothing_failed;
-    by.take();
+    daemon.records();
     dvx_message last;
     dvx_message_init(&last, DVX_CLIENT_POWERHAL, 99);
-    simulator_message(last);
-    return by.take().size() == 1 ? outcome_served : outcome_wrong;
+    take_up(make_message_happening(last));
+    return daemon.records().size() == 1 ? outcome_served : outcome_wrong;
 }
 
 // One run with the fault, a line of a scenario. False when there was nothing to fail.
 bool run(const std::string &fault, outcomes *result) {
-    happening what;
-    const bool known = read_happening(fault, &what).empty();
+    happening failing;
+    const bool known = read_happening(fault, &failing).empty();
     fflush(stdout);
     const pid_t child = known ? fork() : -1;
     if (child == 0)
-        _exit(live(what));
+        _exit(live(failing));
     int status = -1;
     waitpid(child, &status, 0);
     const int how = child > 0 && WIFEXITED(status) ? WEXITSTATUS(status) : outcome_wrong;

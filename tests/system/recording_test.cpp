@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "tests/support/tool.h"
+#include "tools/base/files.h"
 
 namespace {
 
@@ -87,7 +88,7 @@ TEST_F(RecordedTool, ReplaysAndExplainsWhatTheDaemonDid) {
 
 TEST_F(RecordedTool, FindsWhereAReplayDiffers) {
     record_game();
-    const std::string whole = device_read_file(file);
+    const std::string whole = read_file(file);
     const size_t at = whole.find("request_fps 45");
     ASSERT_NE(at, std::string::npos);
     std::ofstream(file) << std::string(whole).replace(at, 14, "request_fps 44");
@@ -146,12 +147,10 @@ TEST_F(RecordedTool, LabClosesTheLoop) {
     EXPECT_EQ(json::parse(dvxctl("lab merge --json " + device.root + "/one " + device.root + "/two")
                               .output)["best"],
               json::parse(dvxctl("lab merge --json " + device.root + "/whole").output)["best"]);
-    EXPECT_TRUE(
-        device_read_file(device.root + "/one").starts_with("{\"set\":{\"margin_percent\":15}"));
+    EXPECT_TRUE(read_file(device.root + "/one").starts_with("{\"set\":{\"margin_percent\":15}"));
     ASSERT_EQ(dvxctl("lab table --set margin_percent=22 --out " + device.root + "/t.cpp").status,
               0);
-    EXPECT_NE(device_read_file(device.root + "/t.cpp").find(".margin_percent = 22,"),
-              std::string::npos);
+    EXPECT_NE(read_file(device.root + "/t.cpp").find(".margin_percent = 22,"), std::string::npos);
 }
 
 }  // namespace

@@ -17,8 +17,8 @@
 #include "tests/support/byte_source.h"
 #include "tests/support/service_socket.h"
 #include "tests/support/test_device.h"
-#include "tools/simulated/apart.h"
-#include "tools/simulated/replay.h"
+#include "tools/commands/replay_command.h"
+#include "tools/simulated/child_process.h"
 
 namespace {
 
@@ -113,9 +113,9 @@ int main(int argc, char **argv) {
         printf("seed %s: %s", argv[i], wrong.empty() ? "" : (wrong + "\n").c_str());
         replay_options options;
         options.compare = true;
-        const apart_result replayed =
-            run_apart([&] { return std::to_string(replay_command(path, options)); });
-        different += wrong.empty() && replayed.error.empty() && replayed.said == "0" ? 0 : 1;
+        const child_result replayed =
+            run_in_child([&] { return std::to_string(replay_command(path, options)); });
+        different += wrong.empty() && replayed.error.empty() && replayed.output == "0" ? 0 : 1;
         unlink(path.c_str());
     }
     return different == 0 ? 0 : 1;

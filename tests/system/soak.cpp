@@ -19,7 +19,9 @@
 #include "tests/support/load.h"
 #include "tests/support/service_socket.h"
 #include "tests/support/test_device.h"
+#include "tools/base/files.h"
 #include "tools/recording/messages.h"
+#include "tools/recording/timeline.h"
 #include "tools/scenario/play.h"
 
 namespace {
@@ -49,12 +51,11 @@ figures read_figures(int pid) {
 
 // Whether the daemon still knows exactly what it was told: the scenario, played on it as it runs.
 bool is_exact(const std::string &root, const scenario &at_rest) {
-    static timeline line;
-    line = timeline_open(root);
-    player by = make_device_player(root, 1, true);
-    by.start = [](const std::vector<happening> &) { return std::string(); };
-    by.take = [] { return timeline_read(&line); };
-    const std::string wrong = play_scenario(by, at_rest, {});
+    timeline line = timeline_open(root);
+    target daemon = make_device_target(root, 1, true);
+    daemon.start = [](const std::vector<happening> &) { return result{}; };
+    daemon.records = [&] { return timeline_read(&line); };
+    const std::string wrong = play_scenario(daemon, at_rest, {});
     fprintf(stderr, "%s", wrong.c_str());
     return wrong.empty();
 }
@@ -156,7 +157,7 @@ void meet_hostile_clients() {
 }
 
 bool sanitizer_is_silent(const test_device &device) {
-    const std::string said = device_read_file(device.root + device_daemon_log);
+    const std::string said = read_file(device.root + device_daemon_log);
     const bool silent = said.find("Sanitizer") == std::string::npos;
     if (!silent)
         fprintf(stderr, "%s\n", said.c_str());
@@ -180,7 +181,7 @@ bool end(const test_device &device, int pid) {
 }
 
 // A recording, to which threads write that are at a happening and threads that are at none.
-bool record(const test_device &device, int seconds) {
+bool record_under_load(const test_device &device, int seconds) {
     setenv("DVXD_RECORD", (device.root + device_recording).c_str(), 1);
     const int pid = start(device);
     load done(device.root, clients);
@@ -248,7 +249,7 @@ int main(int argc, char **argv) {
     bool held = hold(&device, pid, seconds, at_rest.scenarios[0]);
     meet_hostile_clients();
     held = end(device, pid) && held && honest_unanswered == 0;
-    held = record(device, std::max(2, seconds / 4)) && held;
+    held = record_under_load(device, std::max(2, seconds / 4)) && held;
     printf("\n%s\n", held ? "The daemon held." : "The daemon did NOT hold.");
     return held ? 0 : 1;
 }

@@ -10,14 +10,15 @@ namespace {
 using values = std::vector<std::string>;
 
 std::string say(const std::string &text) {
-    return log_line_sentence(log_line_match(text));
+    const log_match match = log_line_match(text);
+    return log_line_sentence(*match.row, match.values);
 }
 
 TEST(LogLines, EachTextIsTheLineThatFormattedIt) {
     const std::regex conversions("%(\\d*)l?([dusxc])");
-    for (int id = 0; id < log_line_count; ++id) {
+    for (int id = 0; id < static_cast<int>(log_line::count); ++id) {
         const log_row &row = log_row_of(static_cast<log_line>(id));
-        EXPECT_EQ(row.id, id);
+        EXPECT_EQ(row.id, static_cast<log_line>(id));
         for (const auto &[number, word] : {std::pair("7", "CF60 b7 %d"), std::pair("0", "")}) {
             std::string text = row.pattern;
             values expected;
@@ -31,7 +32,7 @@ TEST(LogLines, EachTextIsTheLineThatFormattedIt) {
             const log_match match = log_line_match(text);
             ASSERT_EQ(match.row, &row) << text;
             EXPECT_EQ(match.values, expected) << text;
-            const std::string sentence = log_line_sentence(match);
+            const std::string sentence = log_line_sentence(row, match.values);
             EXPECT_EQ(sentence.empty(), row.sentence == nullptr) << text;
             EXPECT_EQ(sentence.find_first_of("{}|"), std::string::npos) << sentence;
         }

@@ -5,7 +5,7 @@
 #include <fstream>
 
 #include "platform/host/json_text.h"
-#include "tools/explain/moments.h"
+#include "tools/explain/history.h"
 #include "tools/explain/why.h"
 #include "tools/recording/logcat.h"
 #include "tools/simulated/settings.h"
@@ -29,17 +29,17 @@ std::string read_all(const std::string &content) {
     std::string read;
     while (recording_next(&file, &line)) {
         read += std::to_string(line.time_ns) + " ";
-        if (line.kind == recording_interval)
-            read += std::to_string(line.interval_us);
-        else if (line.kind == recording_output)
-            read += timeline_kind_name(line.came.kind) + std::string(" ") + line.came.text;
+        if (!line.is_happening)
+            read += record_word(line.came.kind) + std::string(" ") + line.came.text;
+        else if (line.taken.interval_us)
+            read += std::to_string(*line.taken.interval_us);
         else
-            read += std::to_string(line.what.kind) + " " + line.what.report +
-                    std::string(line.what.message.client) + " " + line.what.message.payload.text;
-        for (const recorded_answer &answer : line.what.answers)
+            read += line.taken.value + std::string(line.taken.message->client) + " " +
+                    line.taken.message->payload.text;
+        for (const platform_answer &answer : line.taken.answers)
             read += " " + std::to_string(answer.question) + answer.name + answer.value +
                     std::to_string(answer.number);
-        line.what.answers.clear();
+        line.taken.answers.clear();
         read += "\n";
     }
     for (const std::string &remark : file.remarks)
@@ -60,7 +60,7 @@ TEST(Recording, IsReadLineByLine) {
         "{\"t\":13,\"thread\":\"x\",\"service\":\"nobody\",\"bytes\":\"00ff\"}\n";
     EXPECT_EQ(read_all(whole),
               "10 16667\n11 -3\n"
-              "12 3 powerhal a\xff"
+              "12 powerhal a\xff"
               "b 07 2nv0 3x0 4s111\n"
               "13 event 14 EV_ROTATION\n13 service nobody  a message of 2 bytes\n");
 }
@@ -142,11 +142,11 @@ TEST(Why, ExplainsWhatALogTells) {
         "11-23 08:55:53.100  812  831 I Quorvel : CF30 b7\n";
     daemon_state state = daemon_state_make({});
     std::string said;
-    const moment_source source = moments_of_file(
-        temporary_file(log), [](const moment_source &) {},
-        [&](const moment &now) {
-            for (const decision &made : why_take(&state, now))
-                said += made.text + "\n";
+    const history_source source = history_of_file(
+        temporary_file(log), [](const history_source &) {},
+        [&](const step &taken) {
+            for (const decision &made : why_take(&state, taken))
+                said += decision_sentence(made) + "\n";
         });
     EXPECT_EQ(source.error, "");
     EXPECT_EQ(said,

@@ -12,18 +12,16 @@
 namespace {
 
 TEST(Timeline, ReadsTheDaemonsLog) {
-    const timeline_entry event =
-        parse_daemon_line("11-22 19:32:10.123  1234  1240 I Quorvel : EV : 43", 0);
-    EXPECT_EQ(event.kind, timeline_event);
+    const record event = parse_daemon_line("11-22 19:32:10.123  1234  1240 I Quorvel : EV : 43", 0);
+    EXPECT_EQ(event.kind, record_kind::event);
     EXPECT_EQ(event.text, "43 EV_MODE_GAME_DEFAULT");
-    const timeline_entry later =
+    const record later =
         parse_daemon_line("11-22 19:32:11.125  1234  1240 E Quorvel : J: 6, JT: 5", 0);
-    EXPECT_EQ(later.kind, timeline_log);
+    EXPECT_EQ(later.kind, record_kind::log);
     EXPECT_EQ(later.text, "J: 6, JT: 5");
     EXPECT_EQ(later.time_ns - event.time_ns, 1002000000);
     EXPECT_EQ(later.thread, 1240);
-    const timeline_entry exact =
-        parse_daemon_line("11-22 19:32:10.123456  1234  1240 I Quorvel : x", 0);
+    const record exact = parse_daemon_line("11-22 19:32:10.123456  1234  1240 I Quorvel : x", 0);
     EXPECT_EQ(event.time_ns - exact.time_ns, 999000 - 456000);
     EXPECT_EQ(parse_daemon_line("11-22 19:32:10.123 1 1 I Quorvel : EV : 77", 0).text, "77 ?");
     EXPECT_EQ(parse_daemon_line("something else", 7).time_ns, 7);
@@ -32,12 +30,9 @@ TEST(Timeline, ReadsTheDaemonsLog) {
 // What a call changes is told once, from the values of a daemon that has just started.
 TEST(Effects, AreWhatIsOtherThanBefore) {
     effects present = make_effects();
-    const auto told = [&](timeline_kind kind, const char *text) {
-        timeline_entry entry;
-        entry.kind = kind;
-        entry.text = text;
-        const effect now = note_effect(&present, entry);
-        return now.setting + ": " + now.before + " -> " + now.value + now.unit;
+    const auto told = [&](const record &came) {
+        const effect change = note_effect(&present, came);
+        return change.setting + ": " + change.before + " -> " + change.value + change.unit;
     };
     const std::pair<const char *, const char *> calls[] = {
         {"request_fps 45", "display: 60 -> 45 frames per second"},
@@ -55,11 +50,11 @@ TEST(Effects, AreWhatIsOtherThanBefore) {
         {"set_osprin_gov_state 2", "osprin governor:  -> 2"},
         {"init_hw_fps_control", ":  -> "}};
     for (const auto &[call, change] : calls)
-        EXPECT_EQ(told(timeline_hardware, call), change) << call;
-    EXPECT_EQ(told(timeline_service, "merlak service  10 no game"),
+        EXPECT_EQ(told(make_call_record(0, call)), change) << call;
+    EXPECT_EQ(told(make_service_record(0, "merlak service  10 no game")),
               "merlak service, 10 no:  -> 10 no game");
-    EXPECT_EQ(told(timeline_property, "sys.zuv.vtmode 1"), "property sys.zuv.vtmode: 0 -> 1");
-    EXPECT_EQ(told(timeline_log, "request_fps 30"), ":  -> ");
+    EXPECT_EQ(told(make_property_record(0, "sys.zuv.vtmode 1")), "property sys.zuv.vtmode: 0 -> 1");
+    EXPECT_EQ(told(make_log_record(0, "request_fps 30")), ":  -> ");
 }
 
 TEST(Terminal, FoldsLinesAtBlanks) {
@@ -82,10 +77,10 @@ TEST(Messages, AreDescribedInTheWordsThatSendThem) {
         {make_text_message("powerhal", 15, "2:com.home"), "home 2 com.home  (powerhal 15)"},
         {make_message("a-client-of-more-than-19", 8, {}), "raw a-client-of-more-tha 8"}};
     for (const auto &[message, words] : described)
-        EXPECT_EQ(describe_message(message, false), words);
-    EXPECT_EQ(describe_message(make_text_message("powerhal", 4, std::string(300, 'w')), true),
+        EXPECT_EQ(describe_message(message), words);
+    EXPECT_EQ(describe_message(make_text_message("powerhal", 4, std::string(300, 'w'))),
               "window " + std::string(255, 'w') + "  (powerhal 4)");
-    EXPECT_EQ(describe_message(make_text_message("x", 4, "t"), true), "raw x 4 --text t");
+    EXPECT_EQ(describe_message(make_text_message("x", 4, "two")), "raw x 4 --text two");
 }
 
 scenario_file scenarios_of(const std::string &text) {
@@ -123,11 +118,10 @@ TEST(ScenarioFiles, NameTheLineThatIsWrong) {
 
 // What one expectation says of an event, two calls and a line of the log.
 TEST(Expectations, HoldOrDoNot) {
-    const std::vector<timeline_entry> records = {
-        {0, timeline_event, 0, "43 EV_MODE_GAME_DEFAULT", "", 0},
-        {0, timeline_hardware, 0, "request_fps 45", "", 0},
-        {0, timeline_log, 0, "PM Complete!\n", "", 4},
-        {0, timeline_hardware, 0, "request_fps 60", "", 0}};
+    std::vector<record> records = {make_event_record(0, 43), make_call_record(0, "request_fps 45"),
+                                   make_log_record(0, "PM Complete!\n"),
+                                   make_call_record(0, "request_fps 60")};
+    records[2].priority = 4;
     const auto holds = [&](const char *text) {
         const scenario_file file = scenarios_of(std::string("= a\ntouch | ") + text + "\n");
         EXPECT_EQ(file.error, "") << text;

@@ -12,7 +12,14 @@ int end_with(const result &came_out) {
     if (came_out.kind == failure::none)
         return 0;
     warn(came_out.reason);
-    return came_out.kind == failure::no_daemon ? exit_no_daemon : exit_found;
+    switch (came_out.kind) {
+        case failure::no_daemon:
+            return exit_no_daemon;
+        case failure::input:
+            return exit_input;
+        default:
+            return exit_found;
+    }
 }
 
 int fail(const std::string &reason) {
@@ -24,6 +31,5 @@ int fail_without_daemon(const std::string &root) {
 }
 
 int refuse(const std::string &reason) {
-    warn(reason);
-    return exit_input;
+    return end_with({failure::input, reason});
 }

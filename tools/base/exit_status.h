@@ -31,6 +31,7 @@ void warn(const std::string &remark);
 enum class failure {
     none,
     failed,     // it could not be done
+    input,      // what was given is of no use
     rejected,   // the daemon has something against it
     no_daemon,  // nobody was there to do it
 };

@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "tools/base/daemon_process.h"
+#include "tools/base/processes.h"
 
 namespace fs = std::filesystem;
 
@@ -86,7 +86,7 @@ std::string output_check(const std::string &path, const std::vector<std::string>
     for (const std::string &input : inputs)
         if (fs::equivalent(input, path, error))
             return path + " is to be read, and would be overwritten";
-    const int daemon = daemon_that_writes(path);
+    const int daemon = process_that_has_open("dvxd", path);
     return daemon == 0 ? "" : path + " is written by the running dvxd " + std::to_string(daemon);
 }
 

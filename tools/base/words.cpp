@@ -46,6 +46,13 @@ std::string nearest_word(const std::string &typed, const std::vector<std::string
     return nearest;
 }
 
+std::string trimmed_text(const std::string &text) {
+    const size_t first = text.find_first_not_of(" \t\r");
+    if (first == std::string::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(" \t\r") + 1 - first);
+}
+
 std::string counted(size_t count, const char *thing) {
     return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
 }

@@ -10,6 +10,9 @@
 // their neighbour; empty where none is near.
 std::string nearest_word(const std::string &typed, const std::vector<std::string> &words);
 
+// A text without the blanks around it.
+std::string trimmed_text(const std::string &text);
+
 // "1 row", "2 rows".
 std::string counted(size_t count, const char *thing);
 

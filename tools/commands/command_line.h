@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/base/cli_fwd.h"
+#include "tools/commands/cli_fwd.h"
 
 // Adds commands to `parent`. `root` is the device's directory and outlives the parsing; what a
 // command answers becomes `*exit_code`.

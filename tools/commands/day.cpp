@@ -8,7 +8,9 @@
 #include <utility>
 
 #include "device/virtual_device.h"
+#include "tools/base/clock.h"
 #include "tools/base/exit_status.h"
+#include "tools/base/files.h"
 #include "tools/base/shown.h"
 #include "tools/device/delivery.h"
 #include "tools/device/timeline_printer.h"
@@ -32,8 +34,6 @@ struct telling {
     timeline_printer printer;
 };
 
-telling today;
-
 // Keeps a change with those before it of the same setting: "45 -> 60 -> 45"; what a service is told
 // stands behind what it was told before.
 void keep_change(std::vector<effect> *changes, effect change, bool is_told) {
@@ -50,37 +50,37 @@ void keep_change(std::vector<effect> *changes, effect change, bool is_told) {
 
 // A step in short: its messages in words at once, the app mode and what changed in effect at its
 // end.
-void tell_record(const timeline_entry &entry) {
-    if (today.all) {
-        timeline_print(&today.printer, entry);
+void tell_record(telling *day, const record &came) {
+    if (day->all) {
+        timeline_print(&day->printer, came);
         return;
     }
-    if (entry.kind == timeline_message) {
-        printf("    > %s\n", shown(entry.text.substr(0, entry.text.find("  ("))).c_str());
+    if (came.kind == record_kind::message) {
+        printf("    > %s\n", shown(came.text.substr(0, came.text.find("  ("))).c_str());
         return;
     }
-    const char *mode = mode_entered(entry);
-    if (mode != nullptr && today.mode != mode)
-        keep_change(&today.changes, {"app mode", std::exchange(today.mode, mode), mode, ""}, false);
-    const effect change = note_effect(&today.present, entry);
+    const char *mode = mode_entered(came);
+    if (mode != nullptr && day->mode != mode)
+        keep_change(&day->changes, {"app mode", std::exchange(day->mode, mode), mode, ""}, false);
+    const effect change = note_effect(&day->present, came);
     if (!change.setting.empty())
-        keep_change(&today.changes, change, entry.kind == timeline_service);
+        keep_change(&day->changes, change, came.kind == record_kind::service);
 }
 
-void tell_changes() {
-    timeline_flush(&today.printer);
-    std::stable_partition(today.changes.begin(), today.changes.end(),
+void tell_changes(telling *day) {
+    timeline_flush(&day->printer);
+    std::stable_partition(day->changes.begin(), day->changes.end(),
                           [](const effect &change) { return change.setting == "app mode"; });
-    for (const effect &change : today.changes)
+    for (const effect &change : day->changes)
         printf("    %s\n", shown(change.setting + "  " + change.before +
                                  (change.before.empty() ? "" : " -> ") + change.value + change.unit)
                                .c_str());
-    today.changes.clear();
+    day->changes.clear();
 }
 
-void tell_story(const std::string &text) {
-    printf("\n%s%d. %s%s\n", today.printer.colour ? "\033[1m" : "", ++today.steps, text.c_str(),
-           today.printer.colour ? "\033[0m" : "");
+void tell_story(telling *day, const std::string &text) {
+    printf("\n%s%d. %s%s\n", day->printer.colour ? "\033[1m" : "", ++day->steps, text.c_str(),
+           day->printer.colour ? "\033[0m" : "");
     fflush(stdout);
 }
 
@@ -116,17 +116,20 @@ int play_day(const std::string &root, bool stay, bool all) {
     const scenario_file file = read_scenarios(input);
     if (!file.error.empty())
         return fail(sibling_program(day_file) + ", " + file.error);
-    today.all = all;
-    today.present = make_effects();
-    today.line.root = root;
-    today.line.start_ns = timeline_now_ns();
-    today.printer = make_timeline_printer(&today.line, false);
+    telling day;
+    day.all = all;
+    day.present = make_effects();
+    day.line.root = root;
+    day.line.start_ns = wall_ns();
+    day.printer = make_timeline_printer(&day.line, false);
     printf("A day with dvxd on a virtual device at %s\n", shown(root).c_str());
-    const std::string wrong = play_scenario(make_device_player(root, 1, stay), file.scenarios[0],
-                                            {nullptr, tell_story, tell_record, tell_changes});
+    const std::string wrong = play_scenario(
+        make_device_target(root, 1, stay), file.scenarios[0],
+        {nullptr, [&](const std::string &text) { tell_story(&day, text); },
+         [&](const record &came) { tell_record(&day, came); }, [&] { tell_changes(&day); }});
     // Without a daemon of its own the day has nothing to tell, and the device's recording is
     // another's.
-    if (today.steps == 0) {
+    if (day.steps == 0) {
         fprintf(stderr, "%s", wrong.c_str());
         return exit_found;
     }

@@ -10,8 +10,10 @@
 #include <memory>
 
 #include "device/virtual_device.h"
-#include "tools/base/daemon_process.h"
+
+#include "tools/base/clock.h"
 #include "tools/base/exit_status.h"
+#include "tools/base/processes.h"
 #include "tools/base/shown.h"
 #include "tools/base/words.h"
 #include "tools/commands/frame_reading.h"
@@ -50,7 +52,7 @@ struct progress {
 
 void show_progress(const progress &now, const frame_run &run, size_t all) {
     const double part = now.all_us > 0 ? run.played_us / now.all_us : 1;
-    const double took_s = static_cast<double>(device_now_ns() - now.start_ns) / 1e9;
+    const double took_s = static_cast<double>(monotonic_ns() - now.start_ns) / 1e9;
     const long left_s = part > 0 ? std::lround(took_s * (1 - part) / part) : 0;
     fprintf(stderr, "\r%zu of %zu intervals, %ld:%02ld left\033[K", run.played, all, left_s / 60,
             left_s % 60);
@@ -81,7 +83,7 @@ int explain(const std::string &root, const frame_run &run, size_t all) {
 // Plays with an eye on Ctrl-C, the terminal and what the device writes.
 frame_run play(const std::string &root, const std::vector<int64_t> &intervals_us, double speed,
                frame_outcome *outcome) {
-    const int64_t start_ns = device_now_ns();
+    const int64_t start_ns = monotonic_ns();
     progress now = {isatty(STDERR_FILENO) != 0, start_ns, start_ns + look_ns, 0};
     for (const int64_t interval_us : intervals_us)
         now.all_us += static_cast<double>(interval_us);
@@ -90,8 +92,8 @@ frame_run play(const std::string &root, const std::vector<int64_t> &intervals_us
     action.sa_handler = note_interrupt;
     sigaction(SIGINT, &action, &before);
     const frame_run run = frame_play(root, intervals_us, speed, [&](const frame_run &far) {
-        if (device_now_ns() >= now.next_ns) {
-            now.next_ns = device_now_ns() + look_ns;
+        if (monotonic_ns() >= now.next_ns) {
+            now.next_ns = monotonic_ns() + look_ns;
             frame_outcome_take(outcome);
             if (now.shown)
                 show_progress(now, far, intervals_us.size());
@@ -118,9 +120,9 @@ int play_file(const std::string &root, const arguments &given) {
         intervals_us.push_back(std::llround(interval_us));
     const double speed = parse_speed(given.rate, as_fast_as_taken);
     frame_outcome outcome = frame_outcome_begin(root);
-    const int64_t start_ns = device_now_ns();
+    const int64_t start_ns = monotonic_ns();
     const frame_run run = play(root, intervals_us, speed, &outcome);
-    const double took_s = static_cast<double>(device_now_ns() - start_ns) / 1e9;
+    const double took_s = static_cast<double>(monotonic_ns() - start_ns) / 1e9;
     if (run.error != 0)
         return explain(root, run, intervals_us.size());
     if (run.interrupted)

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/base/cli_fwd.h"
+#include "tools/commands/cli_fwd.h"
 
 // Adds `frames` to `app`. What it answers becomes `*exit_code`: 0, or 2 when a file cannot be read.
 void add_frames_commands(CLI::App *app, const std::string *root, int *exit_code);

@@ -9,12 +9,12 @@
 #include <thread>
 
 #include "tools/base/exit_status.h"
-#include "tools/base/json.h"
 #include "tools/base/output_file.h"
 #include "tools/base/shown.h"
 #include "tools/base/words.h"
 #include "tools/commands/command_line.h"
 #include "tools/frames/frame_file.h"
+#include "tools/lab/lab_json.h"
 #include "tools/lab/results.h"
 #include "tools/lab/search.h"
 #include "tools/lab/table.h"
@@ -80,14 +80,11 @@ std::string prepare(arguments *given) {
         return path + ": " + list.error;
     setup->games = std::move(list.games);
     std::string wrong = choose_games(given->games, &setup->games);
-    for (const std::string &setting : given->settings)
-        if (wrong.empty())
-            wrong = setting_apply_text(&setup->figures, setting);
     if (wrong.empty())
-        wrong = settings_check(setup->figures);
-    setup->picks = given->picks == "fit"   ? governor_fit
-                   : given->picks == "max" ? governor_max
-                                           : governor_eager;
+        wrong = settings_apply_all(&setup->figures, given->settings);
+    setup->picks = given->picks == "fit"   ? governor::fit
+                   : given->picks == "max" ? governor::max
+                                           : governor::eager;
     if (wrong.empty() && !given->vary_from.empty())
         wrong = vary_as(given->vary_from, &setup->varies);
     std::error_code error;
@@ -110,7 +107,7 @@ int run_lab(arguments *given) {
             return fail("cannot write " + result.unwritten);
     if (given->json)
         for (const game_result &result : results)
-            printf("%s\n", json_write(lab_describe(result)).c_str());
+            printf("%s\n", game_result_line(result).c_str());
     else
         print_results(results);
     const bool left = std::any_of(results.begin(), results.end(),
@@ -197,7 +194,8 @@ void add_lab_commands(CLI::App *app, const std::string *, int *exit_code) {
     search->add_option("--shard", given->search.shard, "K/N: every Nth set from the Kth on")
         ->capture_default_str();
     search->add_option("--out", given->search.out,
-                       "A line a set that was tried; one that exists is gone on with");
+                       "Write each set that was tried to this file, a line each; a file of the "
+                       "same search is continued");
     CLI::App *merge = lab->add_subcommand("merge", "Join what shards of a search have tried");
     merge->add_option("FILE", given->files, "What --out of a search has written")->required();
     merge->add_option("--max-loss", given->search.max_loss, "As of search")->capture_default_str();

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/base/cli_fwd.h"
+#include "tools/commands/cli_fwd.h"
 
 // Adds the command and its own; `exit_code` gets what the one that was given came to: 0; 1 where a
 // cap was left behind or no set is good enough; 2 for words and files of no use.

@@ -27,8 +27,8 @@ struct arguments {
     bool json = false;
 };
 
-int send(const dvx_message &message, bool is_text, const std::string &root) {
-    return end_with(deliver_message(message, is_text, root));
+int send(const dvx_message &message, const std::string &root) {
+    return end_with(deliver_message(message, root));
 }
 
 int print_events(const std::vector<std::string> &wanted, bool json) {
@@ -53,16 +53,74 @@ int print_events(const std::vector<std::string> &wanted, bool json) {
     return unknown.empty() ? 0 : exit_input;
 }
 
+// Refuses a text of more characters.
+CLI::Validator at_most(size_t characters) {
+    return CLI::Validator(
+        [characters](std::string &text) -> std::string {
+            if (text.size() <= characters)
+                return {};
+            return "'" + text + "' has more than " + std::to_string(characters) + " characters";
+        },
+        "");
+}
+
+// Turns one of the words into its number; any other text stays.
+CLI::Validator word_to_number(std::span<const number_word> words) {
+    return CLI::Validator(
+        [words](std::string &text) -> std::string {
+            for (const number_word &row : words)
+                if (text == row.word)
+                    text = std::to_string(row.number);
+            return {};
+        },
+        "");
+}
+
+CLI::Option *add_number(CLI::App *command, const payload_parameter &parameter,
+                        payload_words *given) {
+    CLI::Option *option =
+        command->add_option(parameter.name, given->*parameter.number, parameter.help);
+    if (!parameter.words.empty())
+        option->transform(word_to_number(parameter.words));
+    if (parameter.least != INT32_MIN || parameter.most != INT32_MAX)
+        option->check(CLI::Range(parameter.least, parameter.most));
+    return payload_is_option(parameter) ? option->capture_default_str() : option;
+}
+
+// "on" and "off" alone; CLI11 would take "yes" and "1" as well.
+CLI::Option *add_flag(CLI::App *command, const payload_parameter &parameter, payload_words *given) {
+    if (payload_is_option(parameter))
+        return command->add_flag(parameter.name, given->*parameter.flag, parameter.help);
+    bool payload_words::*flag = parameter.flag;
+    return command
+        ->add_option_function<std::string>(
+            parameter.name, [=](const std::string &state) { given->*flag = state == "on"; },
+            parameter.help)
+        ->check(CLI::IsMember({"on", "off"}));
+}
+
+// Adds a payload's words to a command; they are stored in `given`, which outlives the parsing.
+void add_payload_options(payload_kind kind, CLI::App *command, payload_words *given) {
+    for (const payload_parameter &parameter : payload_parameters(kind)) {
+        CLI::Option *option =
+            parameter.flag != nullptr ? add_flag(command, parameter, given)
+            : parameter.number != nullptr
+                ? add_number(command, parameter, given)
+                : command->add_option(parameter.name, given->*parameter.text, parameter.help)
+                      ->check(at_most(parameter.longest));
+        option->required(parameter.required);
+    }
+}
+
 }  // namespace
 
 void add_message_commands(CLI::App *parent, const std::string *root, int *exit_code) {
     auto given = std::make_shared<arguments>();
     for (const message_word &word : message_words) {
         CLI::App *command = parent->add_subcommand(word.word, word.help)->group("Messages");
-        payload_add_options(word.payload, command, &given->payload);
+        add_payload_options(word.payload, command, &given->payload);
         command->callback([&word, given, root, exit_code] {
-            *exit_code =
-                send(make_word_message(word, given->payload), payload_is_text(word.payload), *root);
+            *exit_code = send(make_word_message(word, given->payload), *root);
         });
     }
     CLI::App *raw = parent->add_subcommand("raw", "Any message")->group("Messages");
@@ -80,7 +138,7 @@ void add_message_commands(CLI::App *parent, const std::string *root, int *exit_c
         const char *client = given->client.c_str();
         *exit_code = send(is_text ? make_text_message(client, given->code, given->text)
                                   : make_message(client, given->code, given->values),
-                          is_text, *root);
+                          *root);
     });
     CLI::App *events = parent->add_subcommand("events", "Every event with its name");
     events->add_option("EVENT", given->events, "Only these, by name or number")->type_name("EVENT");

@@ -1,22 +1,23 @@
-// dvxctl replay: what it prints of a replay.
+// dvxctl replay: the daemon takes up a recording, a log or frame times once more.
+#include "tools/commands/replay_command.h"
+
 #include <stdio.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
+#include <memory>
 
-#include "device/virtual_device.h"
+#include "tools/base/clock.h"
 #include "tools/base/exit_status.h"
-#include "tools/base/json.h"
 #include "tools/base/shown.h"
 #include "tools/base/terminal.h"
 #include "tools/base/words.h"
+#include "tools/explain/replay_json.h"
 #include "tools/explain/why.h"
 #include "tools/frames/frame_file.h"
-#include "tools/simulated/apart.h"
-#include "tools/simulated/course.h"
-#include "tools/simulated/replay.h"
+#include "tools/simulated/child_process.h"
 #include "tools/simulated/settings.h"
-
-using json = nlohmann::ordered_json;
+#include "tools/simulated/stimulus.h"
 
 namespace {
 
@@ -24,93 +25,79 @@ constexpr double second_ns = 1e9;
 constexpr char not_comparable[] =
     "only a recording of what the daemon took, replayed with its own figures, can be compared";
 
-int fail(const std::string &path, const std::string &reason) {
+int refuse_file(const std::string &path, const std::string &reason) {
     return refuse(path + ": " + reason);
 }
 
-// What is kept of a run while it goes on.
-struct run_account {
-    run_figures figures;
+// A run while it goes on.
+struct replayed_run {
+    run_account account;
     daemon_state state;
-    json decisions = json::array();
 };
 
-void count_moment(run_account *run, bool why, const moment &now) {
-    for (const told_entry &told : now.came)
-        figures_count(&run->figures, told.entry);
-    if (why)
-        for (const decision &made : why_take(&run->state, now))
-            run->decisions.push_back(why_describe(made));
+step_taker count_into(replayed_run *run, bool why) {
+    return [run, why](const step &taken) {
+        for (const record &came : taken.records)
+            figures_count(&run->account.figures, came);
+        if (why)
+            for (decision &made : why_take(&run->state, taken))
+                run->account.decisions.push_back(std::move(made));
+    };
 }
 
-void print_decisions(const json &decisions) {
-    for (const json &made : decisions)
-        print_folded(decision_text({static_cast<int64_t>(made.at("t_s").get<double>() * 1e9),
-                                    decision_other, made.at("text"), made.at("detail")}),
-                     decision_indent);
-}
-
-json describe_figures(const run_figures &figures, int64_t duration_ns) {
-    json caps = json::object();
-    for (const auto &[name, cap] : figures.caps)
-        caps[name] = {{"changes", cap.changes},
-                      {"lowered", duration_ns > 0 ? static_cast<double>(cap.lowered_ns) /
-                                                        static_cast<double>(duration_ns)
-                                                  : 0.0},
-                      {"mean", figures_cap_mean(cap, duration_ns)}};
-    return {{"duration_s", static_cast<double>(duration_ns) / second_ns},
-            {"caps", caps},
-            {"cap_changes", figures_cap_changes(figures)},
-            {"lowered", duration_ns > 0 ? static_cast<double>(figures.lowered_ns) /
-                                              static_cast<double>(duration_ns)
-                                        : 0.0},
-            {"measurements", figures.measurements},
-            {"restarts", figures.restarts},
-            {"returns", figures.returns},
-            {"janks", figures.janks},
-            {"judged", figures.judged}};
-}
-
-// One figure a row, from several runs of it.
+// One figure a row, from one run of it or two.
 struct figure_row {
     const char *name;
-    const char *key;
-    double scale;
-    const char *unit;
+    const char *format;
+    double (*of)(const run_account &run);
 };
 
 constexpr figure_row figure_rows[] = {
-    {"measurements completed", "measurements", 1, ""},
-    {"measurements without a profile", "restarts", 1, ""},
-    {"returns to measuring", "returns", 1, ""},
-    {"cap changes", "cap_changes", 1, ""},
-    {"time with a cap lowered", "lowered", 100, " %"},
-    {"janks counted", "janks", 1, ""},
+    {"measurements completed", "%.0f",
+     [](const run_account &run) { return double{1} * run.figures.measurements; }},
+    {"measurements without a profile", "%.0f",
+     [](const run_account &run) { return double{1} * run.figures.restarts; }},
+    {"returns to measuring", "%.0f",
+     [](const run_account &run) { return double{1} * run.figures.returns; }},
+    {"cap changes", "%.0f",
+     [](const run_account &run) { return double{1} * figures_cap_changes(run.figures); }},
+    {"time with a cap lowered", "%.1f %%",
+     [](const run_account &run) {
+         return 100 * figures_share(run.figures.lowered_ns, run.duration_ns);
+     }},
+    {"janks counted", "%.0f",
+     [](const run_account &run) { return static_cast<double>(run.figures.janks); }},
 };
 
-std::string figure_text(const json &figures, const figure_row &row) {
-    char text[32];
-    snprintf(text, sizeof(text), row.scale > 1 ? "%.1f%s" : "%.0f%s",
-             figures.at(row.key).get<double>() * row.scale, row.unit);
-    return text;
+void print_row(const std::string &name, const char *format, double before, const double *after) {
+    char texts[2][32] = {"", ""};
+    snprintf(texts[0], sizeof(texts[0]), format, before);
+    if (after != nullptr)
+        snprintf(texts[1], sizeof(texts[1]), format, *after);
+    printf("%-32s %10s%s%s\n", name.c_str(), texts[0], after != nullptr ? " -> " : "", texts[1]);
 }
 
-std::string cap_text(const json &figures, const std::string &name) {
-    char text[32];
-    const json &caps = figures.at("caps");
-    snprintf(text, sizeof(text), "%.1f %%",
-             caps.contains(name) ? caps[name].at("mean").get<double>() * 100 : 100.0);
-    return text;
+double cap_percent(const run_account &run, const std::string &name) {
+    const auto cap = run.figures.caps.find(name);
+    return cap != run.figures.caps.end() ? 100 * figures_cap_mean(cap->second, run.duration_ns)
+                                         : 100;
 }
 
-void print_figures(const json &before, const json *after) {
-    for (const figure_row &row : figure_rows)
-        printf("%-32s %10s%s\n", row.name, figure_text(before, row).c_str(),
-               after != nullptr ? (" -> " + figure_text(*after, row)).c_str() : "");
-    for (const auto &[name, cap] : before.at("caps").items())
-        printf("%-32s %10s%s\n", shown("mean cap of " + name).c_str(),
-               cap_text(before, name).c_str(),
-               after != nullptr ? (" -> " + cap_text(*after, name)).c_str() : "");
+void print_figures(const run_account &before, const run_account *after) {
+    for (const figure_row &row : figure_rows) {
+        const double changed = after != nullptr ? row.of(*after) : 0;
+        print_row(row.name, row.format, row.of(before), after != nullptr ? &changed : nullptr);
+    }
+    for (const auto &[name, cap] : before.figures.caps) {
+        const double changed = after != nullptr ? cap_percent(*after, name) : 0;
+        print_row(shown("mean cap of " + name), "%.1f %%", cap_percent(before, name),
+                  after != nullptr ? &changed : nullptr);
+    }
+}
+
+void print_decisions(const run_account &run) {
+    for (const decision &made : run.decisions)
+        print_folded(decision_text(made), decision_indent);
 }
 
 void print_remarks(const std::string &path, const std::vector<std::string> &remarks) {
@@ -141,118 +128,151 @@ void print_difference(const replay_difference &difference) {
     print_side("replayed:", difference.replayed, difference.recorded);
 }
 
-json describe_counts(const replay_counts &counts) {
-    return {{"happenings", counts.happenings},
-            {"messages", counts.messages},
-            {"intervals", counts.intervals},
-            {"records", counts.records}};
-}
-
-int replay_exactly(const std::string &path, recording *file, const simulated_figures &figures,
-                   const replay_options &options) {
-    replay_counts counts;
-    replay_difference difference;
-    run_account ran;
-    ran.state = daemon_state_make(figures);
-    const int64_t before_ns = device_now_ns();
-    const std::string wrong =
-        replay_taken(file, figures, &counts, options.compare ? &difference : nullptr,
-                     [&](const moment &now) { count_moment(&ran, options.why, now); });
-    const double took_s = static_cast<double>(device_now_ns() - before_ns) / second_ns;
-    if (!wrong.empty())
-        return fail(path, wrong);
-    print_remarks(path, file->remarks);
-    figures_finish(&ran.figures, counts.duration_ns);
-    json said = describe_figures(ran.figures, counts.duration_ns);
-    if (options.why)
-        said["decisions"] = ran.decisions;
+int tell_exact(const recording &file, const exact_replay &replayed, double took_s,
+               const replay_options &options) {
+    const bool different = replayed.compared && replayed.difference.found;
     if (options.json) {
-        said.update(describe_counts(counts));
-        if (options.compare)
-            said["different"] = difference.found;
-        if (difference.found)
-            said["first_difference"] = {
-                {"line", difference.line},
-                {"t_s", static_cast<double>(difference.time_ns) / second_ns},
-                {"happening", difference.happening},
-                {"recorded", difference.recorded},
-                {"replayed", difference.replayed}};
-        printf("%s\n", json_write(said).c_str());
-        return difference.found ? exit_found : 0;
+        printf("%s\n", exact_replay_line(replayed, options.why).c_str());
+        return different ? exit_found : 0;
     }
     printf("%.1f s of dvxd %s: %s, %s; replayed in %.2f s, %s\n",
-           static_cast<double>(counts.duration_ns) / second_ns, file->header.daemon.c_str(),
-           counted(counts.messages, "message").c_str(),
-           counted(counts.intervals, "interval").c_str(), took_s,
-           counted(counts.records, "record").c_str());
-    if (options.why)
-        print_decisions(ran.decisions);
-    if (difference.found) {
-        print_difference(difference);
+           static_cast<double>(replayed.counts.duration_ns) / second_ns, file.header.daemon.c_str(),
+           counted(replayed.counts.messages, "message").c_str(),
+           counted(replayed.counts.intervals, "interval").c_str(), took_s,
+           counted(replayed.counts.records, "record").c_str());
+    print_decisions(replayed.run);
+    if (different) {
+        print_difference(replayed.difference);
         return exit_found;
     }
-    if (options.compare)
+    if (replayed.compared)
         printf("no difference in what each thread did\n");
-    print_figures(said, nullptr);
+    print_figures(replayed.run, nullptr);
     return 0;
 }
 
-// Plays a course in a process of its own; its figures as JSON, with "error" where it went wrong.
-json play_modelled(const course &what, bool why) {
-    const apart_result result = run_apart([&] {
-        run_account ran;
-        ran.state = daemon_state_make(what.setup.figures);
-        const std::string wrong =
-            course_play(what, [&](const moment &now) { count_moment(&ran, why, now); });
-        figures_finish(&ran.figures, what.end_ns);
-        json said = describe_figures(ran.figures, what.end_ns);
-        if (why)
-            said["decisions"] = ran.decisions;
-        if (!wrong.empty())
-            said["error"] = wrong;
-        return json_write(said);
-    });
-    if (!result.error.empty())
-        return {{"error", "the simulated daemon " + result.error}};
-    return json_read(result.said);
+int replay_recording(const std::string &path, recording *file, const simulated_figures &figures,
+                     const replay_options &options) {
+    exact_replay replayed;
+    replayed_run run;
+    run.state = daemon_state_make(figures);
+    replayed.compared = options.compare;
+    const int64_t before_ns = monotonic_ns();
+    const std::string wrong = replay_exactly(file, figures, &replayed.counts,
+                                             options.compare ? &replayed.difference : nullptr,
+                                             count_into(&run, options.why));
+    const double took_s = static_cast<double>(monotonic_ns() - before_ns) / second_ns;
+    if (!wrong.empty())
+        return refuse_file(path, wrong);
+    print_remarks(path, file->remarks);
+    run.account.duration_ns = replayed.counts.duration_ns;
+    figures_finish(&run.account.figures, run.account.duration_ns);
+    replayed.run = std::move(run.account);
+    return tell_exact(*file, replayed, took_s, options);
 }
 
-int replay_modelled(const std::string &path, course *what, const simulated_figures &before,
-                    const replay_options &options) {
-    if (!what->error.empty())
-        return fail(path, what->error);
-    print_remarks(path, what->remarks);
-    what->setup.figures = before;
-    for (const std::string &setting : options.settings) {
-        const std::string wrong = setting_apply_text(&what->setup.figures, setting);
-        if (!wrong.empty())
-            return fail("--set", wrong);
+// Plays a stimulus. Empty, or what went wrong.
+std::string play(const stimulus &given, bool why, run_account *account) {
+    replayed_run run;
+    run.state = daemon_state_make(given.setup.figures);
+    const std::string wrong = stimulus_play(given, count_into(&run, why));
+    run.account.duration_ns = given.end_ns;
+    figures_finish(&run.account.figures, given.end_ns);
+    *account = std::move(run.account);
+    return wrong;
+}
+
+// Figures as a child answers them: the counts, then each cap with its name.
+struct packed_counts {
+    int measurements, given_up, restarts, returns;
+    long janks, judged;
+    int64_t lowered_ns;
+};
+
+struct packed_cap {
+    char name[64];
+    cap_figures cap;
+};
+
+std::string pack(const run_figures &figures) {
+    std::string packed = child_pack(packed_counts{figures.measurements, figures.given_up,
+                                                  figures.restarts, figures.returns, figures.janks,
+                                                  figures.judged, figures.lowered_ns});
+    for (const auto &[name, cap] : figures.caps) {
+        packed_cap one = {"", cap};
+        name.copy(one.name, sizeof(one.name) - 1);
+        packed += child_pack(one);
     }
-    const std::string wrong = settings_check(what->setup.figures);
+    return packed;
+}
+
+bool unpack(const std::string &packed, run_figures *figures) {
+    packed_counts counts;
+    packed_cap cap;
+    if (!child_unpack(packed, &counts))
+        return false;
+    figures->measurements = counts.measurements;
+    figures->given_up = counts.given_up;
+    figures->restarts = counts.restarts;
+    figures->returns = counts.returns;
+    figures->janks = counts.janks;
+    figures->judged = counts.judged;
+    figures->lowered_ns = counts.lowered_ns;
+    for (size_t at = sizeof(counts); child_unpack(packed.substr(at), &cap); at += sizeof(cap))
+        figures->caps[cap.name] = cap.cap;
+    return true;
+}
+
+// Plays it in a process of its own, as this one has a daemon by then; its figures alone come back.
+std::string play_in_child(const stimulus &given, run_account *account) {
+    constexpr char good = '=';
+    const child_result child = run_in_child([&] {
+        run_account played;
+        const std::string wrong = play(given, false, &played);
+        return wrong.empty() ? good + pack(played.figures) : wrong;
+    });
+    account->duration_ns = given.end_ns;
+    if (!child.error.empty())
+        return "the simulated daemon " + child.error;
+    return child.output[0] == good && unpack(child.output.substr(1), &account->figures)
+               ? ""
+               : child.output;
+}
+
+int replay_modelled(const std::string &path, stimulus *given, const simulated_figures &figures,
+                    const replay_options &options) {
+    const bool changes = !options.settings.empty();
+    run_account run;
+    run_account without;
+    if (!given->error.empty())
+        return refuse_file(path, given->error);
+    print_remarks(path, given->remarks);
+    given->setup.figures = figures;
+    std::string wrong = settings_apply_all(&given->setup.figures, options.settings);
     if (!wrong.empty())
-        return fail("--set", wrong);
-    const json changed = play_modelled(*what, options.why);
-    what->setup.figures = before;
-    const json as_it_was = options.settings.empty() ? changed : play_modelled(*what, false);
-    for (const json &figures : {changed, as_it_was})
-        if (!figures.is_object() || figures.contains("error"))
-            return fail(path, figures.value("error", "the simulated daemon said nothing"));
+        return refuse_file("--set", wrong);
+    if (changes) {
+        stimulus as_it_was = *given;
+        as_it_was.setup.figures = figures;
+        wrong = play_in_child(as_it_was, &without);
+    }
+    if (wrong.empty())
+        wrong = play(*given, options.why, &run);
+    if (!wrong.empty())
+        return refuse_file(path, wrong);
     if (options.json) {
-        json said = changed;
-        if (!options.settings.empty())
-            said["without"] = as_it_was;
-        printf("%s\n", json_write(said).c_str());
+        printf("%s\n",
+               modelled_replay_line(run, changes ? &without : nullptr, options.why).c_str());
         return 0;
     }
     printf("%.1f s in the simulator, with timers of its own",
-           static_cast<double>(what->end_ns) / 1e9);
+           static_cast<double>(given->end_ns) / second_ns);
     for (const std::string &setting : options.settings)
         printf("%s %s", &setting == &options.settings.front() ? "; without and with" : ",",
                setting.c_str());
     printf("\n");
-    if (options.why)
-        print_decisions(changed.at("decisions"));
-    print_figures(as_it_was, options.settings.empty() ? nullptr : &changed);
+    print_decisions(run);
+    print_figures(changes ? without : run, changes ? &run : nullptr);
     return 0;
 }
 
@@ -260,21 +280,21 @@ int replay_modelled(const std::string &path, course *what, const simulated_figur
 int replay_other(const std::string &path, const whole_file &content,
                  const replay_options &options) {
     if (options.compare)
-        return fail(path, not_comparable);
-    course what = course_of_log_text(content.text);
-    if (what.error.empty())
-        return replay_modelled(path, &what, {}, options);
+        return refuse_file(path, not_comparable);
+    stimulus given = stimulus_of_log_text(content.text);
+    if (given.error.empty())
+        return replay_modelled(path, &given, {}, options);
     const frame_file frames = frame_file_read_text(std::string(content.text), {});
     if (!frames.error.empty())
-        return fail(path,
-                    "is no recording, no log of the daemon, and as frame times: " + frames.error);
+        return refuse_file(
+            path, "is no recording, no log of the daemon, and as frame times: " + frames.error);
     if (frames.sampled)
-        return fail(
+        return refuse_file(
             path,
             "its rows are samples: not every frame has one, so they tell nothing of the daemon");
-    what = course_of_intervals(frames.intervals_us);
-    what.remarks = frames.remarks;
-    return replay_modelled(path, &what, {}, options);
+    given = stimulus_of_intervals(frames.intervals_us);
+    given.remarks = frames.remarks;
+    return replay_modelled(path, &given, {}, options);
 }
 
 }  // namespace
@@ -282,20 +302,40 @@ int replay_other(const std::string &path, const whole_file &content,
 int replay_command(const std::string &path, const replay_options &options) {
     whole_file content = whole_file_open(path);
     if (!content.error.empty())
-        return fail(path, content.error);
+        return refuse_file(path, content.error);
     if (!content.text.starts_with(recording_beginning))
         return replay_other(path, content, options);
     recording file = recording_of(std::move(content));
     if (!file.error.empty())
-        return fail(path, file.error);
+        return refuse_file(path, file.error);
     simulated_figures figures;
     const std::string wrong = settings_of_header(file.header, &figures);
     if (!wrong.empty())
-        return fail(path, wrong);
+        return refuse_file(path, wrong);
     if (file.header.taken && options.settings.empty())
-        return replay_exactly(path, &file, figures, options);
+        return replay_recording(path, &file, figures, options);
     if (options.compare)
-        return fail(path, not_comparable);
-    course what = course_of_recording(&file);
-    return replay_modelled(path, &what, figures, options);
+        return refuse_file(path, not_comparable);
+    stimulus given = stimulus_of_recording(&file);
+    return replay_modelled(path, &given, figures, options);
+}
+
+void add_replay_command(CLI::App *parent, const std::string *, int *exit_code) {
+    struct arguments {
+        std::string file;
+        replay_options options;
+    };
+    auto given = std::make_shared<arguments>();
+    CLI::App *command =
+        parent->add_subcommand("replay", "Let the daemon take up a recording once more, simulated")
+            ->group("Recordings");
+    command->add_option("FILE", given->file, "A recording; - for standard input")->required();
+    command->add_flag("--compare", given->options.compare,
+                      "Hold what follows against the recording");
+    command
+        ->add_option("--set", given->options.settings, "NAME=VALUE: another figure of the analyser")
+        ->allow_extra_args(false);
+    command->add_flag("--why", given->options.why, "Each decision in a sentence");
+    command->add_flag("--json", given->options.json, "The figures as one JSON object");
+    command->callback([=] { *exit_code = replay_command(given->file, given->options); });
 }

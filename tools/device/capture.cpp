@@ -1,4 +1,4 @@
-#include "tools/scenario/seen.h"
+#include "tools/device/capture.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -13,11 +13,12 @@
 #include "device/virtual_device.h"
 #include "platform/device_root.h"
 #include "platform/kernel_node.h"
+#include "tools/base/clock.h"
 #include "tools/base/exit_status.h"
+#include "tools/recording/happening_words.h"
 #include "tools/recording/logcat.h"
-#include "tools/recording/recording_lines.h"
+#include "tools/recording/recording.h"
 #include "tools/recording/timeline.h"
-#include "tools/scenario/scenario.h"
 
 namespace {
 
@@ -27,35 +28,30 @@ constexpr size_t line_max = size_t{1} << 20;
 
 using line_taker = std::function<bool(const std::string &line)>;
 
-// A message in the words that dvxctl noted when it sent it.
+// The line of a message or a panel report, in the words that dvxctl noted when it sent it; empty
+// where it is neither.
 std::string noted_line(const std::string &text, int64_t time_ns) {
-    if (text.starts_with("panel "))
-        return recording_report_line(
-            time_ns, recorded_panel,
-            text == "panel on" ? "panel_power_on = 1\n" : "panel_power_on = 0\n");
-    happening what;
-    if (!read_happening(text.substr(0, text.find("  (")), &what).empty() ||
-        what.kind != happening_message)
+    happening noted;
+    if (!read_happening(text.substr(0, text.find("  (")), &noted).empty() ||
+        (noted.kind != happening_kind::message && noted.kind != happening_kind::panel))
         return {};
-    return recording_message_line(time_ns, what.message, what.is_text);
+    noted.time_ns = time_ns;
+    return recording_line_of(noted);
 }
 
-std::string entry_line(const timeline_entry &entry, int64_t offset_ns) {
-    const int64_t time_ns = entry.time_ns - offset_ns;
-    return entry.kind == timeline_message ? noted_line(entry.text, time_ns)
-                                          : recording_entry_line(entry, time_ns);
-}
-
-std::string see_device(const std::string &root, const follow_limit &limit, const line_taker &take) {
+result capture_device(const std::string &root, const follow_limit &limit, const line_taker &take) {
     timeline line = timeline_open(root);
-    const int64_t offset_ns = timeline_now_ns() - device_now_ns();
+    const int64_t offset_ns = wall_ns() - monotonic_ns();
     for (bool over = false, last = false; !last;) {
         last = over;
         over = follow_is_over(limit);
         usleep(pause_ms * 1000);
-        for (const timeline_entry &entry : timeline_read(&line)) {
-            const std::string seen = entry_line(entry, offset_ns);
-            if (!seen.empty() && !take(seen))
+        for (const record &came : timeline_read(&line)) {
+            const int64_t time_ns = came.time_ns - offset_ns;
+            const std::string captured = came.kind == record_kind::message
+                                             ? noted_line(came.text, time_ns)
+                                             : recording_line_of(came, time_ns);
+            if (!captured.empty() && !take(captured))
                 return {};
         }
     }
@@ -94,56 +90,61 @@ kernel_node open_node(const char *path) {
     return node;
 }
 
-bool take_report(const kernel_node &node, recorded_kind kind, short revents,
+bool take_report(const kernel_node &node, happening_kind kind, short revents,
                  const line_taker &take) {
     if (!kernel_node_signalled(&node, revents))
         return true;
     char report[report_size];
     kernel_node_read(&node, report, sizeof(report));
-    return take(recording_report_line(device_now_ns(), kind, report));
+    happening reported;
+    reported.kind = kind;
+    reported.time_ns = monotonic_ns();
+    reported.value = report;
+    int interval_us = 0;
+    if (kind == happening_kind::interval && sscanf(report, "%d", &interval_us) == 1)
+        reported.interval_us = interval_us;
+    return take(recording_line_of(reported));
 }
 
-bool take_log_line(phone *seen, const std::string &line, const line_taker &take) {
+bool take_log_line(phone *watched, const std::string &line, const line_taker &take) {
     logcat_line read;
-    if (!logcat_take(&seen->log, line, timeline_now_ns(), &read))
+    if (!logcat_take(&watched->log, line, wall_ns(), &read))
         return true;
-    for (const std::string &remark : seen->log.remarks)
-        warn(seen->log_name + ": " + remark);
-    seen->log.remarks.clear();
-    timeline_entry entry = make_log_entry(read.time_ns, read.text);
-    entry.thread = read.thread;
-    entry.priority = read.priority;
-    return entry.text.empty() || take(recording_entry_line(entry, read.time_ns - seen->offset_ns));
+    for (const std::string &remark : watched->log.remarks)
+        warn(watched->log_name + ": " + remark);
+    watched->log.remarks.clear();
+    const record came = logcat_record(read);
+    return came.text.empty() || take(recording_line_of(came, read.time_ns - watched->offset_ns));
 }
 
 // Reads what the log has. False at its end, or where nothing more is wanted.
-bool take_log(phone *seen, const line_taker &take) {
+bool take_log(phone *watched, const line_taker &take) {
     char part[65536];
-    const ssize_t count = read(seen->log_fd, part, sizeof(part));
+    const ssize_t count = read(watched->log_fd, part, sizeof(part));
     if (count <= 0)
         return count < 0 && errno == EINTR;
-    seen->rest.append(part, static_cast<size_t>(count));
+    watched->rest.append(part, static_cast<size_t>(count));
     size_t begin = 0;
-    for (size_t end; (end = seen->rest.find('\n', begin)) != std::string::npos; begin = end + 1)
-        if (!take_log_line(seen, seen->rest.substr(begin, end - begin), take))
+    for (size_t end; (end = watched->rest.find('\n', begin)) != std::string::npos; begin = end + 1)
+        if (!take_log_line(watched, watched->rest.substr(begin, end - begin), take))
             return false;
-    seen->rest.erase(0, begin);
-    if (seen->rest.size() > line_max)
-        seen->rest.clear();  // no line of the daemon's
+    watched->rest.erase(0, begin);
+    if (watched->rest.size() > line_max)
+        watched->rest.clear();  // no line of the daemon's
     return true;
 }
 
-std::string see_phone(phone *seen, const follow_limit &limit, const line_taker &take) {
+result capture_phone(phone *watched, const follow_limit &limit, const line_taker &take) {
     while (!follow_is_over(limit)) {
-        pollfd waits[] = {kernel_node_poll(&seen->panel),
-                          kernel_node_poll(&seen->interval),
-                          {seen->log_fd, POLLIN, 0}};
+        pollfd waits[] = {kernel_node_poll(&watched->panel),
+                          kernel_node_poll(&watched->interval),
+                          {watched->log_fd, POLLIN, 0}};
         if (poll(waits, 3, pause_ms) < 0 && errno != EINTR)
-            return strerror(errno);
-        if (!take_report(seen->panel, recorded_panel, waits[0].revents, take) ||
-            !take_report(seen->interval, recorded_interval, waits[1].revents, take))
+            return {failure::input, strerror(errno)};
+        if (!take_report(watched->panel, happening_kind::panel, waits[0].revents, take) ||
+            !take_report(watched->interval, happening_kind::interval, waits[1].revents, take))
             return {};
-        if ((waits[2].revents & (POLLIN | POLLHUP)) != 0 && !take_log(seen, take))
+        if ((waits[2].revents & (POLLIN | POLLHUP)) != 0 && !take_log(watched, take))
             break;
     }
     return {};
@@ -151,34 +152,36 @@ std::string see_phone(phone *seen, const follow_limit &limit, const line_taker &
 
 }  // namespace
 
-std::string see(const seen_sources &sources, const follow_limit &limit, const line_taker &take) {
+result capture(const capture_sources &sources, const follow_limit &limit, const line_taker &take) {
     if (!sources.root.empty() && sources.log.empty())
-        return see_device(sources.root, limit, take);
-    phone seen;
+        return capture_device(sources.root, limit, take);
+    phone watched;
     if (!sources.root.empty())
         setenv("DVXD_ROOT", sources.root.c_str(), 1);
     struct stat status = {};
     if (!sources.log.empty()) {
-        seen.log_name = sources.log == "-" ? "standard input" : sources.log;
-        seen.log_fd =
+        watched.log_name = sources.log == "-" ? "standard input" : sources.log;
+        watched.log_fd =
             sources.log == "-" ? STDIN_FILENO : open(sources.log.c_str(), O_RDONLY | O_CLOEXEC);
-        if (seen.log_fd < 0 || fstat(seen.log_fd, &status) != 0)
-            return seen.log_name + ": " + strerror(errno);
+        if (watched.log_fd < 0 || fstat(watched.log_fd, &status) != 0)
+            return {failure::input, watched.log_name + ": " + strerror(errno)};
         if (S_ISDIR(status.st_mode))
-            return seen.log_name + ": is a directory";
+            return {failure::input, watched.log_name + ": is a directory"};
     }
     // A log that lies in a file is of some other time, and of no phone that is here.
     const bool live = sources.log.empty() || !S_ISREG(status.st_mode);
     if (live) {
-        seen.offset_ns = timeline_now_ns() - device_now_ns();
-        seen.panel = open_node("/sys/class/power/sben/sben_event");
-        seen.interval = open_node("/sys/class/power/fbcn/fbcn_intv");
-        if (seen.log_fd < 0 && seen.panel.fd < 0 && seen.interval.fd < 0)
-            return "there is nothing to record: no node can be watched, and --log names no log";
+        watched.offset_ns = wall_ns() - monotonic_ns();
+        watched.panel = open_node("/sys/class/power/sben/sben_event");
+        watched.interval = open_node("/sys/class/power/fbcn/fbcn_intv");
+        if (watched.log_fd < 0 && watched.panel.fd < 0 && watched.interval.fd < 0)
+            return {failure::input,
+                    "there is nothing to record: no node can be watched, and --log names no log"};
     }
-    std::string error = see_phone(&seen, limit, take);
-    if (error.empty() && seen.log.lines > 0 && seen.log.of_daemon == 0)
-        return seen.log_name + ": none of its " + std::to_string(seen.log.lines) +
-               " lines is the daemon's, in logcat's form threadtime";
-    return error;
+    const result captured = capture_phone(&watched, limit, take);
+    if (captured.kind == failure::none && watched.log.lines > 0 && watched.log.of_daemon == 0)
+        return {failure::input, watched.log_name + ": none of its " +
+                                    std::to_string(watched.log.lines) +
+                                    " lines is the daemon's, in logcat's form threadtime"};
+    return captured;
 }

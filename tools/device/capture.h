@@ -5,14 +5,14 @@
 #include <functional>
 #include <string>
 
+#include "tools/base/exit_status.h"
 #include "tools/device/follow.h"
 
-struct seen_sources {
+struct capture_sources {
     std::string root;  // of a virtual device; empty: this machine is the phone
     std::string log;   // a file, "-" for standard input; empty: the virtual device's own, or none
 };
 
-// Gives what is seen, as lines of a recording, until the limit or the log's end. Empty, or what
-// went wrong.
-std::string see(const seen_sources &sources, const follow_limit &limit,
-                const std::function<bool(const std::string &line)> &take);
+// Gives what is seen, as lines of a recording, until the limit or the log's end.
+result capture(const capture_sources &sources, const follow_limit &limit,
+               const std::function<bool(const std::string &line)> &take);

@@ -3,8 +3,11 @@
 #include <string.h>
 
 #include "device/virtual_device.h"
-#include "tools/base/daemon_process.h"
+#include "tools/base/files.h"
+#include "tools/base/processes.h"
+#include "tools/device/daemon_process.h"
 #include "tools/recording/messages.h"
+#include "tools/recording/timeline.h"
 
 namespace {
 
@@ -25,30 +28,38 @@ result check_daemon(const std::string &root) {
                      : "start one with dvxctl --root " + shell_quoted(root) + " device start")};
 }
 
+// Whether a line of the daemon's log says that it takes no such message.
+bool rejects(const record &line, const std::string &client, int32_t code) {
+    if (record_is_line(line, log_line::client_unknown))
+        return line.values[0] == client;
+    for (const log_line row : {log_line::powerhal_code, log_line::dgpc_code, log_line::tmr_code,
+                               log_line::mediahal_code, log_line::vrhal_code})
+        if (record_is_line(line, row))
+            return record_integer(line, 0) == code;
+    return record_is_line(line, log_line::automode_abnormal) && client == DVX_CLIENT_AUTOMODE;
+}
+
 // What the daemon's log says against a message since `offset`, or nothing.
 std::string find_rejection(const dvx_message &message, const std::string &root, int64_t offset) {
     const std::string client(message.client, strnlen(message.client, sizeof(message.client)));
-    const std::string unknown_client = "Current Device doesn't support " + client + " handlers.";
-    const std::string unknown_code =
-        ": Code <" + std::to_string(message.code) + "> is not supported.";
-    for (const std::string &line : device_read_lines(root + device_daemon_log, &offset))
-        for (const std::string &rejection : {unknown_client, unknown_code})
-            if (line.ends_with(rejection) ||
-                (client == DVX_CLIENT_AUTOMODE && line.ends_with(": Abnormal cmd")))
-                return line.substr(line.find(" : ") + sizeof(" : ") - 1);
+    for (const std::string &line : read_lines(root + device_daemon_log, &offset)) {
+        const record came = parse_daemon_line(line, 0);
+        if (rejects(came, client, message.code))
+            return came.text;
+    }
     return {};
 }
 
 }  // namespace
 
-result deliver_message(const dvx_message &message, bool is_text, const std::string &root) {
+result deliver_message(const dvx_message &message, const std::string &root) {
     result nobody = root.empty() ? result{} : check_daemon(root);
     if (nobody.kind != failure::none)
         return nobody;
-    const int64_t log_size = device_file_size(root + device_daemon_log);
+    const int64_t log_size = file_size(root + device_daemon_log);
     // A note that cannot be taken does not keep the message back.
     if (device_exists(root))
-        device_append_note(root + device_messages_log, describe_message(message, is_text));
+        device_append_note(root + device_messages_log, describe_message(message));
     const int error = dvx_message_send_and_wait(&message, answer_timeout_ms);
     if (error == -EAGAIN || error == -ETIMEDOUT)
         return {failure::failed, "the daemon does not answer"};
@@ -69,7 +80,7 @@ int deliver_panel(const std::string &root, bool on) {
 }
 
 bool socket_is_taken(const std::string &name) {
-    return device_read_file("/proc/net/unix").find("@" + name + "\n") != std::string::npos;
+    return read_file("/proc/net/unix").find("@" + name + "\n") != std::string::npos;
 }
 
 std::string shell_quoted(const std::string &path) {

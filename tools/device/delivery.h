@@ -15,7 +15,7 @@ inline constexpr char another_daemon_hint[] =
 // device at `root`, where there is one. With a root, the message goes to the daemon that runs on it
 // or to nobody; without one, to whoever serves. Whether it
 // arrived and was taken, as far as the root's log says so.
-result deliver_message(const dvx_message &message, bool is_text, const std::string &root);
+result deliver_message(const dvx_message &message, const std::string &root);
 
 // Reports the panel's power, noted as a message is. 0 or a negative errno value.
 int deliver_panel(const std::string &root, bool on);

@@ -14,8 +14,10 @@
 #include "device/service_words.h"
 #include "device/virtual_device.h"
 #include "tools/base/exit_status.h"
+#include "tools/base/files.h"
 #include "tools/base/words.h"
 #include "tools/device/delivery.h"
+#include "tools/recording/timeline.h"
 
 namespace {
 
@@ -50,8 +52,8 @@ struct start_lock {
 std::string explain_failed_start(const std::string &root) {
     std::string last;
     int64_t offset = 0;
-    for (const std::string &line : device_read_lines(root + device_daemon_log, &offset)) {
-        if (line.ends_with("fail to create socket"))
+    for (const std::string &line : read_lines(root + device_daemon_log, &offset)) {
+        if (record_is_line(parse_daemon_line(line, 0), log_line::socket_failed))
             return another_daemon_hint;
         last = line;
     }

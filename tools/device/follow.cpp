@@ -9,7 +9,9 @@
 #include <filesystem>
 
 #include "device/virtual_device.h"
-#include "tools/base/daemon_process.h"
+#include "tools/base/clock.h"
+#include "tools/base/processes.h"
+#include "tools/device/daemon_process.h"
 
 namespace {
 
@@ -32,7 +34,7 @@ void follow_begin() {
 }
 
 bool follow_is_over(const follow_limit &limit) {
-    return interrupted != 0 || device_now_ns() >= limit.end_ns ||
+    return interrupted != 0 || monotonic_ns() >= limit.end_ns ||
            (limit.daemon != 0 && kill(limit.daemon, 0) != 0);
 }
 

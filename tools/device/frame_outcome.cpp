@@ -1,12 +1,9 @@
 #include "tools/device/frame_outcome.h"
 
-#include <stdio.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <iterator>
-
-#include "device/virtual_device.h"
 
 namespace {
 
@@ -26,28 +23,15 @@ void note_locks(frame_outcome *outcome) {
         outcome->blamed[i] |= outcome->locked[i];
 }
 
-// Whether a line is of the analyser's locks.
-bool take_lock(frame_outcome *outcome, const std::string &text) {
-    unsigned lock = 0;
-    char word[16];
-    if (sscanf(text.c_str(), "FIA lock%u %15s", &lock, word) != 2 || lock >= frame_locks)
+// Whether a record is a line of the analyser's locks.
+bool take_lock(frame_outcome *outcome, const record &came) {
+    const bool locks = record_is_line(came, log_line::analyser_locked);
+    const int32_t lock = record_integer(came, 0);
+    if ((!locks && !record_is_line(came, log_line::analyser_unlocked)) || lock < 0 ||
+        lock >= frame_locks)
         return false;
-    outcome->locked[lock] = std::string(word) == "locked";
+    outcome->locked[lock] = locks;
     return true;
-}
-
-void take_log(frame_outcome *outcome, const std::string &text) {
-    unsigned streak = 0;
-    if (take_lock(outcome, text))
-        note_locks(outcome);
-    else if (sscanf(text.c_str(), "Successive Jank: %u", &streak) == 1)
-        outcome->janks += streak;
-    else if (text.starts_with("PM Complete!"))
-        ++outcome->complete;
-    else if (text.starts_with("PM Over"))
-        ++outcome->given_up;
-    else if (text.starts_with("PM Restart!") || text.ends_with("PM Start"))
-        ++outcome->again;
 }
 
 void take_cap(frame_outcome *outcome, const effect &change) {
@@ -57,13 +41,6 @@ void take_cap(frame_outcome *outcome, const effect &change) {
     if (values.empty())
         values.push_back(change.before);
     values.push_back(change.value);
-}
-
-// "NANOSECONDS THREAD CALL"
-timeline_entry call_of(const std::string &line) {
-    const size_t thread = line.find(' ');
-    const size_t call = thread == line.npos ? thread : line.find(' ', thread + 1);
-    return {0, timeline_hardware, 0, call == line.npos ? "" : line.substr(call + 1), "", 0};
 }
 
 std::string describe_caps(const frame_outcome &outcome) {
@@ -102,15 +79,13 @@ frame_outcome frame_outcome_begin(const std::string &root) {
     frame_outcome outcome;
     outcome.line = timeline_open(root);
     outcome.present = make_effects();
-    int64_t offset = 0;
-    for (const std::string &line : device_read_lines(root + device_calls_log, &offset))
-        note_effect(&outcome.present, call_of(line));
-    offset = 0;
+    timeline before = timeline_from_start(root);
     bool known = false;
-    for (const std::string &line : device_read_lines(root + device_daemon_log, &offset)) {
-        const size_t text = line.find("FIA lock");
-        if (text != line.npos)
-            known |= take_lock(&outcome, line.substr(text));
+    std::vector<record> told = timeline_read(&before);
+    told.insert(told.end(), before.held_back.begin(), before.held_back.end());
+    for (const record &came : told) {
+        note_effect(&outcome.present, came);
+        known |= take_lock(&outcome, came);
     }
     if (known)
         note_locks(&outcome);
@@ -118,20 +93,22 @@ frame_outcome frame_outcome_begin(const std::string &root) {
 }
 
 void frame_outcome_take(frame_outcome *outcome) {
-    for (const timeline_entry &entry : timeline_read(&outcome->line)) {
-        if (entry.kind == timeline_log)
-            take_log(outcome, entry.text);
-        take_cap(outcome, note_effect(&outcome->present, entry));
+    for (const record &came : timeline_read(&outcome->line)) {
+        if (take_lock(outcome, came))
+            note_locks(outcome);
+        figures_count(&outcome->figures, came);
+        take_cap(outcome, note_effect(&outcome->present, came));
     }
 }
 
 std::string frame_outcome_end(frame_outcome *outcome) {
-    usleep(2 * timeline_hold_back_ns / 1000);  // until the last entry is old enough
+    usleep(2 * timeline_hold_back_ns / 1000);  // until the last record is old enough
     frame_outcome_take(outcome);
+    const run_figures &figures = outcome->figures;
     std::string text = "caps: " + describe_caps(*outcome) + "\n";
-    text += "measurements: " + std::to_string(outcome->complete) + " complete, " +
-            std::to_string(outcome->again) + " begun again, " + std::to_string(outcome->given_up) +
-            " given up\n";
-    text += "janks: " + std::to_string(outcome->janks) + "\n";
+    text += "measurements: " + std::to_string(figures.measurements) + " complete, " +
+            std::to_string(figures.restarts + figures.returns) + " begun again, " +
+            std::to_string(figures.given_up) + " given up\n";
+    text += "janks: " + std::to_string(figures.janks) + "\n";
     return text + describe_suspension(*outcome);
 }

@@ -2,12 +2,12 @@
 // whether the analyser looked at them at all.
 #pragma once
 
-#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "tools/recording/effects.h"
+#include "tools/recording/run_figures.h"
 #include "tools/recording/timeline.h"
 
 constexpr int frame_locks = 4;  // that suspend the analyser, by the numbers that its log has
@@ -15,13 +15,10 @@ constexpr int frame_locks = 4;  // that suspend the analyser, by the numbers tha
 struct frame_outcome {
     timeline line;
     effects present;
+    run_figures figures;
     std::map<std::string, std::vector<std::string>> caps;  // values by cap, the one before first
-    size_t complete = 0;                                   // measurements
-    size_t again = 0;                                      // measurements that began again
-    size_t given_up = 0;
-    size_t janks = 0;
-    bool locked[frame_locks] = {};  // now
-    bool blamed[frame_locks] = {};  // at some time since the beginning
+    bool locked[frame_locks] = {};                         // at present
+    bool blamed[frame_locks] = {};                         // at some time since the beginning
     bool ever_suspended = false;
     bool ever_awake = false;
 };

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "device/virtual_device.h"
+#include "tools/base/clock.h"
 
 namespace {
 
@@ -38,10 +39,10 @@ bool wait_until(playing *now, int64_t due_ns) {
 
 // Reports one interval as soon as there is room; false with an error or at the play's end.
 bool report(playing *now, int64_t interval_us) {
-    int64_t limit_ns = device_now_ns() + int64_t{frame_patience_ms} * 1000000;
+    int64_t limit_ns = monotonic_ns() + int64_t{frame_patience_ms} * 1000000;
     for (;;) {
         pollfd room = {now->fd, POLLOUT, 0};
-        const int64_t left_ms = (limit_ns - device_now_ns()) / 1000000;
+        const int64_t left_ms = (limit_ns - monotonic_ns()) / 1000000;
         const int ready = left_ms > 0 ? poll(&room, 1, static_cast<int>(left_ms)) : 0;
         if (ready > 0)
             now->run.error = device_report_interval(now->fd, interval_us);
@@ -64,14 +65,14 @@ void drain(playing *now) {
     int64_t limit_ns = 0;
     while (ioctl(now->fd, FIONREAD, &unread) == 0 && unread > 0) {
         if (unread != unread_before)
-            limit_ns = device_now_ns() + int64_t{frame_patience_ms} * 1000000;
+            limit_ns = monotonic_ns() + int64_t{frame_patience_ms} * 1000000;
         unread_before = unread;
         pollfd reader = {now->fd, 0, 0};
         if (poll(&reader, 1, 0) > 0) {
             now->run.error = -EPIPE;  // it has ended
             return;
         }
-        if (device_now_ns() > limit_ns) {
+        if (monotonic_ns() > limit_ns) {
             now->run.error = -ETIMEDOUT;
             return;
         }
@@ -97,7 +98,7 @@ frame_run frame_play(const std::string &root, const std::vector<int64_t> &interv
     }
     // A daemon that does not read must not hold us: room is waited for, with a limit.
     fcntl(now.fd, F_SETFL, fcntl(now.fd, F_GETFL) | O_NONBLOCK);
-    double due_ns = static_cast<double>(device_now_ns());
+    double due_ns = static_cast<double>(monotonic_ns());
     bool going = true;
     for (size_t i = 0; going && i < intervals_us.size(); ++i) {
         const int64_t interval_us = intervals_us[i];

@@ -26,7 +26,7 @@ constexpr char policy[] = "policy";
 
 constexpr const char *colours[] = {"\033[1;36m", "\033[33m",   "\033[2m",    "\033[1;32m",
                                    "\033[1;35m", "\033[1;34m", "\033[1;31m", "\033[1m"};
-static_assert(std::size(colours) == timeline_note + 1, "a colour a kind");
+static_assert(std::size(colours) == static_cast<size_t>(record_kind::note) + 1, "a colour a kind");
 
 template <size_t count>
 bool starts_with_any(const std::string &text, const char *const (&starts)[count]) {
@@ -57,33 +57,33 @@ bool follows_from_cause(const timeline_printer &printer, const std::string &thre
     return thread == policy || thread == (is_panel ? monitor : listener);
 }
 
-void print_sentence(const timeline_entry &entry) {
+void print_sentence(const record &came) {
     const std::string sentence =
-        entry.kind == timeline_log ? log_line_sentence(log_line_match(entry.text)) : "";
+        came.row != nullptr ? log_line_sentence(*came.row, came.values) : "";
     if (!sentence.empty())
         printf("                   = %s\n", shown(sentence).c_str());
 }
 
 void print_last(timeline_printer *printer) {
-    const timeline_entry &entry = printer->last;
-    const double seconds = static_cast<double>(entry.time_ns - printer->line->start_ns) / 1e9;
+    const record &came = printer->last;
+    const double seconds = static_cast<double>(came.time_ns - printer->line->start_ns) / 1e9;
     const std::string thread =
-        entry.thread != 0 ? name_thread(printer, entry.thread) : entry.thread_name;
-    if (entry.kind == timeline_message)
-        printer->cause = entry.text;
-    printer->indented = entry.kind == timeline_message ||
-                        (entry.kind != timeline_note && follows_from_cause(*printer, thread));
+        came.thread != 0 ? name_thread(printer, came.thread) : came.thread_name;
+    if (came.kind == record_kind::message)
+        printer->cause = came.text;
+    printer->indented = came.kind == record_kind::message ||
+                        (came.kind != record_kind::note && follows_from_cause(*printer, thread));
     printf("+%.3f  %s%s%-7s%s  %s", std::max(seconds, 0.0),
-           printer->indented && entry.kind != timeline_message ? "  " : "",
-           printer->colour ? colours[entry.kind] : "", timeline_kind_name(entry.kind),
-           printer->colour ? "\033[0m" : "", shown(entry.text).c_str());
+           printer->indented && came.kind != record_kind::message ? "  " : "",
+           printer->colour ? colours[static_cast<size_t>(came.kind)] : "", record_word(came.kind),
+           printer->colour ? "\033[0m" : "", shown(came.text).c_str());
     if (!thread.empty() && thread != listener)
         printf("  [%s]", shown(thread).c_str());
     if (printer->repeated > 1)
         printf("  (%d times)", printer->repeated);
     printf("\n");
     if (printer->why)
-        print_sentence(entry);
+        print_sentence(came);
     printer->repeated = 0;
 }
 
@@ -98,17 +98,17 @@ timeline_printer make_timeline_printer(const timeline *line, bool brief, bool wh
     return printer;
 }
 
-void timeline_print(timeline_printer *printer, const timeline_entry &entry) {
-    if (printer->brief && !timeline_is_telling(entry))
+void timeline_print(timeline_printer *printer, const record &came) {
+    if (printer->brief && !timeline_is_telling(came))
         return;
-    const timeline_entry &last = printer->last;
-    const bool repeats = printer->repeated > 0 && entry.kind >= timeline_hardware &&
-                         entry.kind == last.kind && entry.thread == last.thread &&
-                         entry.thread_name == last.thread_name && entry.text == last.text;
+    const record &last = printer->last;
+    const bool repeats = printer->repeated > 0 && came.kind >= record_kind::call &&
+                         came.kind == last.kind && came.thread == last.thread &&
+                         came.thread_name == last.thread_name && came.text == last.text;
     if (!repeats && printer->repeated > 0)
         print_last(printer);
     if (!repeats)
-        printer->last = entry;
+        printer->last = came;
     ++printer->repeated;
 }
 
@@ -118,11 +118,10 @@ int timeline_flush(timeline_printer *printer) {
     return fflush(stdout) == 0 && ferror(stdout) == 0 ? 0 : errno;
 }
 
-bool timeline_is_telling(const timeline_entry &entry) {
-    if (entry.kind == timeline_hardware)
-        return !starts_with_any(entry.text, asking_calls);
-    if (entry.kind != timeline_log)
+bool timeline_is_telling(const record &came) {
+    if (came.kind == record_kind::call)
+        return !starts_with_any(came.text, asking_calls);
+    if (came.kind != record_kind::log)
         return true;
-    const log_match line = log_line_match(entry.text);
-    return line.row == nullptr || line.row->sentence != nullptr;
+    return came.row == nullptr || came.row->sentence != nullptr;
 }

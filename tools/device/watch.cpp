@@ -10,6 +10,7 @@
 
 #include "device/hardware_conf.h"
 #include "device/virtual_device.h"
+#include "tools/base/clock.h"
 #include "tools/base/exit_status.h"
 #include "tools/device/device_run.h"
 #include "tools/device/timeline_printer.h"
@@ -29,7 +30,11 @@ struct watcher {
 };
 
 void note(timeline_printer *printer, const std::string &text) {
-    timeline_print(printer, {timeline_now_ns(), timeline_note, 0, text, "", 0});
+    record said;
+    said.kind = record_kind::note;
+    said.time_ns = wall_ns();
+    said.text = text;
+    timeline_print(printer, said);
 }
 
 // Says what the file of answers has that no library can use.
@@ -96,8 +101,8 @@ int watch_device(const std::string &root, bool brief, bool why) {
         note(&printer, "no daemon runs");
     while (error == 0 && !wake.gone) {
         follow_daemon(&wake, &printer);
-        for (const timeline_entry &entry : timeline_read(&line))
-            timeline_print(&printer, entry);
+        for (const record &came : timeline_read(&line))
+            timeline_print(&printer, came);
         error = timeline_flush(&printer);
         if (error != 0)
             break;

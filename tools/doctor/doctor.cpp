@@ -14,11 +14,13 @@
 
 #include "device/virtual_device.h"
 #include "fia/records.h"
-#include "tools/base/daemon_process.h"
 #include "tools/base/exit_status.h"
+#include "tools/base/files.h"
 #include "tools/base/json.h"
+#include "tools/base/processes.h"
 #include "tools/base/shown.h"
 #include "tools/base/terminal.h"
+#include "tools/device/daemon_process.h"
 #include "tools/device/delivery.h"
 #include "tools/doctor/elf_symbols.h"
 #include "tools/doctor/phone.h"
@@ -224,7 +226,7 @@ void look_at_rights(device_look *look) {
             process + ", priority " + std::to_string(priority) + ": it may not raise its own",
             "its decisions wait behind busy apps");
     const std::string context =
-        device_read_file("/proc/" + std::to_string(look->daemon) + "/attr/current").c_str();
+        read_file("/proc/" + std::to_string(look->daemon) + "/attr/current").c_str();
     if (phone_is_here(look->options.root) && !context.starts_with("u:r:dvxd:"))
         add(look, "rights", "dvxd", verdict_off, "runs as " + context + ", not in its own domain",
             "the policy's rules for it do not hold");

@@ -1,27 +1,12 @@
 // Why caps move and measurements begin: the analyser's decisions.
-#include <stdio.h>
 #include <stdlib.h>
 
-#include "tools/base/words.h"
-#include "tools/explain/sentences.h"
+#include "fia/active_mode.h"
+#include "tools/explain/explain.h"
 
 namespace {
 
-constexpr double unit_ms = 0.01;  // of the analyser's intervals
-
-std::string value(const std::vector<std::string> *values, size_t index) {
-    return values != nullptr && index < values->size() ? (*values)[index] : "?";
-}
-
-double milliseconds(const std::string &units) {
-    return atof(units.c_str()) * unit_ms;
-}
-
-std::string megahertz(double hertz) {
-    char text[32];
-    snprintf(text, sizeof(text), "%.0f", hertz / 1e6);
-    return text;
-}
+constexpr double unit_ms = 1000.0 / static_cast<double>(interval_second);  // of its intervals
 
 std::string levels_of(const daemon_state &state) {
     std::string text;
@@ -30,25 +15,38 @@ std::string levels_of(const daemon_state &state) {
     return text;
 }
 
-// "GPU 596 -> 710 MHz (levels 0 1 1 -> 0 1 0)" with the game; empty where no cap has moved.
-std::string describe_moves(const daemon_state &before, const daemon_state &after) {
+std::string locks_of(const daemon_state &state) {
     std::string text;
+    for (const int lock : state.locks)
+        text.append(text.empty() ? "" : " and ").append(lock_word(lock));
+    return text;
+}
+
+// What moved, with the game; nothing where no cap has.
+void add_moves(const daemon_state &before, const daemon_state &after, const step &taken,
+               decision *made) {
     for (size_t i = 0; i < before.caps.size(); ++i) {
         const cap_state &from = before.caps[i];
         const cap_state &to = after.caps[i];
-        if (from.level == to.level || !to.known)
-            continue;
-        text += std::string(text.empty() ? "" : ", ") + from.name + " " +
-                megahertz(from.hertz[from.level]) + " -> " + megahertz(to.hertz[to.level]) + " MHz";
+        if (from.level != to.level && to.known)
+            made->moved.push_back(
+                {to.name, "MHz", from.hertz[from.level] / 1e6, to.hertz[to.level] / 1e6, "", ""});
     }
-    if (text.empty())
-        return text;
-    text += " (levels " + levels_of(before) + " -> " + levels_of(after) + ")";
+    if (made->moved.empty())
+        return;
+    made->answer = answer_of(taken, "set_tmk_freq");
+    set_fact(made, "levels_from", levels_of(before));
+    set_fact(made, "levels_to", levels_of(after));
     if (after.profile_share != 0)
-        text += "; " + std::to_string(60 - 3 * after.profile_bucket) + " fps game";
+        set_fact(made, "profile_fps", fia_bucket_fps(after.profile_bucket));
     if (!after.activity.empty())
-        text += " \"" + after.activity + "\"";
-    return text;
+        set_fact(made, "game", after.activity);
+}
+
+bool caps_moved(const daemon_state &before, const daemon_state &after) {
+    decision moved;
+    add_moves(before, after, {}, &moved);
+    return !moved.moved.empty();
 }
 
 // How far the caps went: the sum of the levels, below 0 upwards.
@@ -59,163 +57,162 @@ int moved_by(const daemon_state &before, const daemon_state &after) {
     return sum;
 }
 
-int share_of(int percent, int margin) {
-    return percent * (100 - margin) / 100;
+// The share of intervals in the profile that lets caps go down, or that keeps them where they are.
+uint32_t share_needed(const daemon_state &state, bool down) {
+    return fia_margin(down ? state.tunables.margin_percent : state.tunables.hold_margin_percent,
+                      static_cast<uint32_t>(state.profile_share));
 }
 
-std::string explain_report(const daemon_state &before, const std::vector<std::string> &hits,
-                           bool down) {
-    const std::string seen =
-        hits[0] + " % of the last " + hits[2] + " intervals lay in the profile, ";
-    if (before.profile_share == 0)
-        return seen + "how many are wanted is not known";
-    if (down)
-        return seen + "and " +
-               std::to_string(share_of(before.profile_share, before.tunables.margin_percent)) +
-               " % let them go down";
-    return seen + "and " +
-           std::to_string(share_of(before.profile_share, before.tunables.hold_margin_percent)) +
-           " % are wanted";
-}
-
-std::string explain_step(const daemon_state &before, const moment &now, bool down) {
-    const auto *slow = moment_line(now, line_active_slow);
-    const auto *jank = moment_line(now, line_active_jank);
-    const auto *hits = moment_line(now, line_active_hits);
-    if (slow != nullptr && !down)
-        return value(slow, 1) + " frames per second since caps moved last, " + value(slow, 0) +
-               " are wanted";
-    if (jank != nullptr && !down)
-        return value(jank, 0) + " of the last " +
-               std::to_string(30 / std::max(before.tunables.period_divisor, 1)) +
-               " intervals left the profile, " + value(jank, 1) + " are allowed";
-    if (hits != nullptr)
-        return explain_report(before, *hits, down);
-    return "why is not known, as debug lines are off";
-}
-
-// Why a measurement begins anew.
-std::string explain_restart(const moment &now) {
-    const auto *mean = moment_line(now, line_scene_mean);
-    const auto *variance = moment_line(now, line_scene_variance);
-    char text[256];
-    if (mean != nullptr) {
-        const double active_ms = milliseconds(value(mean, 0));
-        const double longest_ms = milliseconds(value(mean, 1));
-        const double shortest_ms = milliseconds(value(mean, 2));
-        constexpr double fastest_ms = 16.66;  // of all profiles
-        if (active_ms < shortest_ms && shortest_ms <= fastest_ms)
-            snprintf(text, sizeof(text),
-                     "the mean interval, %.2f ms, is shorter than the fastest of the profile "
-                     "(%.2f ms): the panel runs faster than 60 frames per second, and caps stay "
-                     "released",
-                     active_ms, shortest_ms);
-        else
-            snprintf(text, sizeof(text),
-                     "the mean interval, %.2f ms, is %s than the profile has them (%.2f to %.2f "
-                     "ms): another scene",
-                     active_ms, active_ms < shortest_ms ? "shorter" : "longer", shortest_ms,
-                     longest_ms);
-        return text;
+// A step of the caps, down or up, by the line that tells its cause.
+decision explain_step(const daemon_state &before, const step &taken, bool down) {
+    const record *slow = step_line(taken, log_line::active_slow);
+    const record *janks = step_line(taken, log_line::active_jank);
+    const record *hits = step_line(taken, log_line::active_hits);
+    if (slow != nullptr && !down) {
+        decision made = make_decision(taken, reason::caps_raised_rate);
+        set_fact(&made, "fps", record_number(*slow, 1));
+        set_fact(&made, "wanted", record_number(*slow, 0));
+        return made;
     }
-    if (variance != nullptr)
-        return "intervals vary more than the profile has them (variance " + value(variance, 0) +
-               ", " + value(variance, 1) + " is allowed): another scene";
-    if (moment_line(now, line_active_too_low) != nullptr)
-        return "the third report in a row with too few intervals in the profile (" +
-               value(moment_line(now, line_active_hits), 0) + " %)";
-    if (moment_line(now, line_active_too_often_low) != nullptr)
-        return "the third poor report since the last good one (" +
-               value(moment_line(now, line_active_hits), 0) + " %)";
-    if (moment_line(now, line_active_scene_changed) != nullptr)
-        return "the scene has changed";
-    return {};
+    if (janks != nullptr && !down) {
+        decision made = make_decision(taken, reason::caps_raised_janks);
+        set_fact(&made, "left", record_number(*janks, 0));
+        set_fact(&made, "window", fia_divided(fia_jank_intervals, before.tunables));
+        set_fact(&made, "allowed", record_number(*janks, 1));
+        return made;
+    }
+    if (hits == nullptr)
+        return make_decision(taken, reason::caps_moved);
+    const bool known = before.profile_share != 0;
+    decision made =
+        make_decision(taken, down && known ? reason::caps_lowered : reason::caps_raised_share);
+    set_fact(&made, "share", record_number(*hits, 0));
+    set_fact(&made, "judged", record_number(*hits, 2));
+    if (known)
+        set_fact(&made, "needed", share_needed(before, down));
+    return made;
 }
 
-void add_profile(const daemon_state &after, const moment &now, std::vector<decision> *made) {
-    if (moment_line(now, line_measure_complete) == nullptr)
-        return;
-    add_decision(made, now, decision_measuring,
-                 "the measurement is complete: most of its intervals are of " +
-                     std::to_string(60 - 3 * after.profile_bucket) + " frames per second, " +
-                     std::to_string(after.profile_share) + " % lie in the profile",
-                 (after.scene > 0 ? "kept as scene " + std::to_string(after.scene) + "; " : "") +
-                     "from now on caps go down as far as the profile holds");
-}
-
-std::string describe_activity(const daemon_state &after, const moment &now) {
-    const std::string name = "\"" + after.activity + "\" is ";
-    if (moment_line(now, line_activity_new) != nullptr)
-        return name + "new to the analyser";
-    const auto known = after.scenes.find(after.slot);
-    const int scenes = known != after.scenes.end() ? known->second : 0;
-    return name + "known, with " + counted(static_cast<size_t>(scenes), "scene");
-}
-
-// A step of the caps that a log tells of by its cause alone.
-void explain_unseen_step(const daemon_state &before, const moment &now,
+// A step that a log tells of by its cause alone.
+void explain_unseen_step(const daemon_state &before, const step &taken,
                          std::vector<decision> *made) {
-    const auto *hits = moment_line(now, line_active_hits);
-    const bool up = moment_line(now, line_active_slow) != nullptr ||
-                    moment_line(now, line_active_jank) != nullptr;
+    const record *hits = step_line(taken, log_line::active_hits);
+    const bool up = step_line(taken, log_line::active_slow) != nullptr ||
+                    step_line(taken, log_line::active_jank) != nullptr;
     if (!up && (hits == nullptr || before.profile_share == 0))
         return;
-    const bool down = !up && atoi((*hits)[0].c_str()) >=
-                                 share_of(before.profile_share, before.tunables.margin_percent);
-    add_decision(made, now, decision_caps,
-                 std::string("caps ") + (down ? "down" : "up") +
-                     " one step, if one can move: " + explain_step(before, now, down),
-                 "which one is not in the log");
+    const bool down = !up && record_number(*hits, 0) >= share_needed(before, true);
+    made->push_back(explain_step(before, taken, down));
+    set_fact(&made->back(), "step",
+             std::string(down ? "down" : "up") + " one step, if one can move");
 }
 
-std::string describe_locks(const daemon_state &state) {
-    std::string text;
-    for (const int lock : state.locks)
-        text.append(text.empty() ? "" : " and ").append(lock_word(lock));
-    return text.empty() ? "why is not known" : text;
+decision explain_mean(const step &taken, const record &mean) {
+    const double mean_ms = record_number(mean, 0) * unit_ms;
+    const double longest_ms = record_number(mean, 1) * unit_ms;
+    const double shortest_ms = record_number(mean, 2) * unit_ms;
+    const bool fastest = record_number(mean, 2) <= static_cast<double>(interval_60fps);
+    decision made = make_decision(taken, mean_ms >= shortest_ms ? reason::scene_slower
+                                         : fastest              ? reason::panel_too_fast
+                                                                : reason::scene_faster);
+    set_fact(&made, "mean_ms", mean_ms);
+    set_fact(&made, "shortest_ms", shortest_ms);
+    set_fact(&made, "longest_ms", longest_ms);
+    return made;
+}
+
+// Why a measurement begins anew. False where none does.
+bool explain_restart(const step &taken, decision *made) {
+    const record *variance = step_line(taken, log_line::scene_variance);
+    const record *hits = step_line(taken, log_line::active_hits);
+    if (const record *mean = step_line(taken, log_line::scene_mean); mean != nullptr) {
+        *made = explain_mean(taken, *mean);
+        return true;
+    }
+    if (variance != nullptr) {
+        *made = make_decision(taken, reason::scene_uneven);
+        set_fact(made, "variance", record_number(*variance, 0));
+        set_fact(made, "allowed", record_number(*variance, 1));
+        return true;
+    }
+    if (step_line(taken, log_line::active_too_low) != nullptr)
+        *made = make_decision(taken, reason::poor_in_a_row);
+    else if (step_line(taken, log_line::active_too_often_low) != nullptr)
+        *made = make_decision(taken, reason::poor_since_good);
+    else if (step_line(taken, log_line::active_scene_changed) != nullptr)
+        *made = make_decision(taken, reason::scene_changed);
+    else
+        return false;
+    if (hits != nullptr && made->why != reason::scene_changed)
+        set_fact(made, "share", record_number(*hits, 0));
+    return true;
+}
+
+void explain_profile(const daemon_state &after, const step &taken, std::vector<decision> *made) {
+    if (step_line(taken, log_line::measure_complete) == nullptr)
+        return;
+    made->push_back(make_decision(taken, reason::measured));
+    set_fact(&made->back(), "profile_fps", fia_bucket_fps(after.profile_bucket));
+    set_fact(&made->back(), "share", after.profile_share);
+    if (after.scene > 0)
+        set_fact(&made->back(), "scene", after.scene);
+}
+
+decision explain_resumed(const daemon_state &after, const step &taken) {
+    decision made = make_decision(taken, reason::resumed);
+    set_fact(&made, "activity", after.activity);
+    const auto known = after.scenes.find(after.slot);
+    if (step_line(taken, log_line::activity_new) == nullptr)
+        set_fact(&made, "scenes", known != after.scenes.end() ? known->second : 0);
+    return made;
+}
+
+// What the analyser does where it begins or ends to look. False where it does neither.
+bool explain_mode(const daemon_state &after, const step &taken, decision *made) {
+    if (explain_restart(taken, made))
+        return true;
+    if (step_line(taken, log_line::analyser_suspended) == nullptr &&
+        step_line(taken, log_line::analyser_resumed) == nullptr)
+        return false;
+    if (after.analyser != analyser_mode::suspended) {
+        *made = explain_resumed(after, taken);
+        return true;
+    }
+    *made = make_decision(taken, reason::suspended);
+    if (!after.locks.empty())
+        set_fact(made, "locks", locks_of(after));
+    return true;
 }
 
 }  // namespace
 
-void explain_analyser(const daemon_state &before, const daemon_state &after, const moment &now,
+void explain_analyser(const daemon_state &before, const daemon_state &after, const step &taken,
                       std::vector<decision> *made) {
-    const std::string moves = describe_moves(before, after);
-    const std::string restart = explain_restart(now);
-    add_profile(after, now, made);
-    if (!restart.empty()) {
-        add_decision(made, now, decision_measuring, "measuring again: " + restart,
-                     moves.empty() ? "" : "caps released: " + moves);
+    explain_profile(after, taken, made);
+    decision next;
+    if (explain_mode(after, taken, &next)) {
+        if (next.why != reason::resumed)
+            add_moves(before, after, taken, &next);
+        made->push_back(next);
         return;
     }
-    const bool told = moment_line(now, line_analyser_suspended) != nullptr ||
-                      moment_line(now, line_analyser_resumed) != nullptr;
-    if (told && after.analyser == analyser_suspended) {
-        add_decision(made, now, decision_analyser, "suspended: " + describe_locks(after),
-                     moves.empty() ? "caps were released already" : "caps released: " + moves);
-        return;
-    }
-    if (told) {
-        add_decision(made, now, decision_analyser,
-                     "measuring begins: nothing suspends the analysis any more",
-                     describe_activity(after, now));
-        return;
-    }
-    if (const auto *matched = moment_line(now, line_scene_matched); matched != nullptr) {
-        add_decision(made, now, decision_caps,
-                     "caps as they were: the intervals are those of scene " + value(matched, 0),
-                     moves);
+    if (const record *matched = step_line(taken, log_line::scene_matched); matched != nullptr) {
+        next = make_decision(taken, reason::caps_restored);
+        set_fact(&next, "scene", record_number(*matched, 0));
+        add_moves(before, after, taken, &next);
+        made->push_back(next);
         return;
     }
     if (!after.calls_seen) {
-        explain_unseen_step(before, now, made);
+        explain_unseen_step(before, taken, made);
         return;
     }
-    if (moves.empty())
+    if (!caps_moved(before, after))
         return;
     const int by = moved_by(before, after);
-    const bool down = by > 0;
-    add_decision(made, now, decision_caps,
-                 std::string("caps ") + (down ? "down" : "up") +
-                     (abs(by) == 1 ? " one step: " : ": ") + explain_step(before, now, down),
-                 moves);
+    next = explain_step(before, taken, by > 0);
+    set_fact(&next, "step",
+             std::string(by > 0 ? "down" : "up") + (abs(by) == 1 ? " one step" : ""));
+    add_moves(before, after, taken, &next);
+    made->push_back(next);
 }

@@ -1,18 +1,17 @@
 #include "tools/explain/daemon_state.h"
 
-#include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 
 #include <algorithm>
-#include <cmath>
 #include <iterator>
 
 #include "core/events.h"
 #include "core/timer.h"
 #include "device/service_words.h"
+#include "features/low_power_mode.h"
 #include "fia/records.h"
 #include "resource/fps_manager.h"
+#include "resource/game_tuner.h"
 #include "resource/requestor.h"
 #include "tools/recording/cap_call.h"
 #include "tools/recording/effects.h"
@@ -20,27 +19,15 @@
 namespace {
 
 constexpr int64_t ms_ns = 1000000;
-constexpr int scenes_max = 5;  // that the analyser remembers of an activity
-constexpr int tuned_mode = 1;
 constexpr int lock_max = 32;        // numbers of reasons to be suspended, bits of a mask
 constexpr size_t thermal_max = 64;  // configurations at once; a device has a dozen
-
-int number(const std::vector<std::string> &values, size_t index) {
-    return index < values.size() ? atoi(values[index].c_str()) : 0;
-}
-
-// A number as the calls have it, whatever a file says of them.
-int32_t whole(double value) {
-    return static_cast<int32_t>(
-        std::clamp(std::isnan(value) ? 0 : value, double{INT32_MIN}, double{INT32_MAX}));
-}
 
 // ---- messages
 
 void take_game(daemon_state *state, const int32_t *values) {
     const int32_t fps = values[2];
-    const bool tuned = values[1] != 0 && state->tuner_policy && values[0] == tuned_mode &&
-                       fps >= fps_min && fps <= fps_max;
+    const bool tuned = values[1] != 0 && state->tuner_policy &&
+                       values[0] == game_tuner_mode_tuned && rate_is_asked(fps);
     state->tuner_target = tuned ? fps : 0;
 }
 
@@ -62,10 +49,8 @@ void take_message(daemon_state *state, const dvx_message &message) {
     if (client == DVX_CLIENT_LOWPOWERMODE) {
         state->low_power_on = values[0];
         state->low_power_level = values[1];
-        constexpr int extreme = 2;
-        constexpr int extreme_fps = 30;
-        const bool capped = values[0] != 0 && values[1] == extreme && values[2] != 0;
-        state->requests[requestor_lpm].value = capped ? extreme_fps : -1;
+        const bool capped = values[0] != 0 && values[1] == lpm_level_extreme && values[2] != 0;
+        state->requests[requestor_lpm].value = capped ? lpm_extreme_fps : lpm_no_cap;
     }
 }
 
@@ -84,12 +69,12 @@ constexpr struct {
     {&daemon_state::vr, EV_VR_OFF, false},
 };
 
-void take_event(daemon_state *state, const timeline_entry &entry) {
-    const char *mode = mode_entered(entry);
+void take_event(daemon_state *state, const record &came) {
+    const char *mode = mode_entered(came);
     if (mode != nullptr)
         state->mode = mode;
     for (const auto &row : switches)
-        if (row.event == event_number(entry))
+        if (row.event == came.event)
             state->*row.field = row.value;
 }
 
@@ -113,26 +98,26 @@ void take_cap(daemon_state *state, const cap_call &call) {
     cap->known = true;
 }
 
-void take_call(daemon_state *state, const std::string &call) {
+void take_call(daemon_state *state, const record &call) {
     state->calls_seen = true;
-    char name[128] = "";
-    double value = 0;
     cap_call cap;
     if (cap_call_read(call, &cap))
         take_cap(state, cap);
-    else if (sscanf(call.c_str(), "request_fps %lf", &value) == 1)
-        state->rate = whole(value);
-    else if (sscanf(call.c_str(), "request_image_engine_mode %lf", &value) == 1)
-        state->image_mode = whole(value);
-    else if (sscanf(call.c_str(), "set_automode_freq %lf", &value) == 1)
-        state->automode = value != 0;
-    else if (call.starts_with("request_tmr_"))
-        state->mitigation = call.find("4294967295") == std::string::npos;
-    else if (sscanf(call.c_str(), "enable_thermal_config %127s %lf", name, &value) == 2) {
-        if (value != 0 && state->thermal.size() < thermal_max)
-            state->thermal.insert(name);
-        else if (value == 0)
-            state->thermal.erase(name);
+    else if (call.values.empty())
+        return;
+    else if (call.name == "request_fps")
+        state->rate = record_integer(call, 0);
+    else if (call.name == "request_image_engine_mode")
+        state->image_mode = record_integer(call, 0);
+    else if (call.name == "set_automode_freq")
+        state->automode = record_number(call, 0) != 0;
+    else if (call.name.starts_with("request_tmr_"))
+        state->mitigation = record_number(call, 0) != UINT32_MAX;
+    else if (call.name == "enable_thermal_config" && call.values.size() > 1) {
+        if (record_number(call, 1) == 0)
+            state->thermal.erase(call.values[0]);
+        else if (state->thermal.size() < thermal_max)
+            state->thermal.insert(call.values[0]);
     }
 }
 
@@ -149,124 +134,127 @@ bool is_requestor(int id) {
 }
 
 void restart_measurement(daemon_state *state) {
-    state->analyser = analyser_measuring;
+    state->analyser = analyser_mode::measuring;
     state->measured = 0;
     state->scene = 0;
 }
 
-void take_measuring_line(daemon_state *state, log_line id, const std::vector<std::string> &values) {
+void take_measuring_line(daemon_state *state, const record &line) {
     int &scenes = state->scenes[state->slot];
-    switch (id) {
-        case line_analyser_resumed:
-        case line_active_scene_changed:
-        case line_active_too_low:
-        case line_active_too_often_low:
-        case line_measure_again:
+    switch (line.row->id) {
+        case log_line::analyser_resumed:
+        case log_line::active_scene_changed:
+        case log_line::active_too_low:
+        case log_line::active_too_often_low:
+        case log_line::measure_again:
             restart_measurement(state);
             break;
-        case line_measure_share:
-            state->profile_share = number(values, 0);
-            state->profile_bucket = number(values, 1);
+        case log_line::measure_share:
+            state->profile_share = record_integer(line, 0);
+            state->profile_bucket = std::min(
+                static_cast<uint32_t>(std::max(record_integer(line, 1), 0)), fia_bucket_count - 1);
             break;
-        case line_measure_complete:
-            state->analyser = analyser_active;
-            scenes = std::min(scenes + 1, scenes_max);
+        case log_line::measure_complete:
+            state->analyser = analyser_mode::active;
+            scenes = std::min(scenes + 1, fia_scene_limit);
             state->scene = scenes;
             break;
-        case line_measure_over:
-            state->analyser = analyser_active;
+        case log_line::measure_over:
+            state->analyser = analyser_mode::active;
             state->scene = 0;
             break;
-        case line_scene_matched:
-            state->analyser = analyser_active;
-            state->scene = number(values, 0);
+        case log_line::scene_matched:
+            state->analyser = analyser_mode::active;
+            state->scene = record_integer(line, 0);
             break;
         default:
             break;
     }
 }
 
-void take_timer_line(daemon_state *state, log_line id, const std::vector<std::string> &values) {
-    const int slot = number(values, 0);
-    if (id == line_timer_expired) {
+void take_timer_line(daemon_state *state, const record &line) {
+    const int slot = record_integer(line, 0);
+    if (line.row->id == log_line::timer_expired) {
         state->timers.erase(slot);
-    } else if (id == line_timer_requested && slot >= 0 &&
+    } else if (line.row->id == log_line::timer_requested && slot >= 0 &&
                slot < static_cast<int>(timer_slot_count)) {
-        const int64_t length_ms = std::min<int64_t>(atol(values.at(1).c_str()), INT32_MAX);
+        const int64_t length_ms = record_integer(line, 1);
         const int64_t end_ns = state->now_ns + std::max<int64_t>(length_ms, 0) * ms_ns;
         state->timers[slot] = std::max(state->timers[slot], end_ns);
     }
 }
 
-void take_rate_line(daemon_state *state, log_line id, const std::vector<std::string> &values) {
-    switch (id) {
-        case line_requestor_listed:
-            if (is_requestor(number(values, 1)) && number(values, 1) != requestor_image_enhance)
-                state->requests[number(values, 1)] = {number(values, 2), number(values, 3) != 0};
+void take_rate_line(daemon_state *state, const record &line) {
+    switch (line.row->id) {
+        case log_line::requestor_listed:
+            if (is_requestor(record_integer(line, 1)) &&
+                record_integer(line, 1) != requestor_image_enhance)
+                state->requests[record_integer(line, 1)] = {record_integer(line, 2),
+                                                            record_integer(line, 3) != 0};
             break;
-        case line_rate_grant:
-            if (is_requestor(number(values, 0)))
-                state->requests[number(values, 0)].granted = number(values, 1) != 0;
+        case log_line::rate_grant:
+            if (is_requestor(record_integer(line, 0)))
+                state->requests[record_integer(line, 0)].granted = record_integer(line, 1) != 0;
             break;
-        case line_rate_applied:
-            state->rate = number(values, 0);
-            state->rate_winner = number(values, 1);
-            if (is_requestor(number(values, 1)))
-                state->requests[number(values, 1)] = {number(values, 0), true};
+        case log_line::rate_applied:
+            state->rate = record_integer(line, 0);
+            state->rate_winner = record_integer(line, 1);
+            if (is_requestor(record_integer(line, 1)))
+                state->requests[record_integer(line, 1)] = {record_integer(line, 0), true};
             break;
         default:
             break;
     }
 }
 
-void take_line(daemon_state *state, log_line id, const std::vector<std::string> &values) {
-    switch (id) {
-        case line_started:
+void take_line(daemon_state *state, const record &line) {
+    switch (line.row->id) {
+        case log_line::started:
             state->served_ns = state->now_ns;
             break;
-        case line_window_in_front:
-            state->window = values.at(0);
+        case log_line::window_in_front:
+            state->window = line.values[0];
             break;
-        case line_app_in_front:
-            state->app = values.at(0);
+        case log_line::app_in_front:
+            state->app = line.values[0];
             break;
-        case line_policy_state:
-            state->policy = values.at(0);
+        case log_line::policy_state:
+            state->policy = line.values[0];
             break;
-        case line_automode_command:
-            if (number(values, 0) == 0 || number(values, 0) == 1)
-                state->automode = number(values, 0) == 1;
+        case log_line::automode_command:
+            if (record_integer(line, 0) == 0 || record_integer(line, 0) == 1)
+                state->automode = record_integer(line, 0) == 1;
             break;
-        case line_game_optimizer:
-            state->tuner_policy = number(values, 0) != 0;
+        case log_line::game_optimizer:
+            state->tuner_policy = record_integer(line, 0) != 0;
             break;
-        case line_analyser_locked:
-            if (number(values, 0) >= 0 && number(values, 0) < lock_max)
-                state->locks.insert(number(values, 0));
+        case log_line::analyser_locked:
+            if (record_integer(line, 0) >= 0 && record_integer(line, 0) < lock_max)
+                state->locks.insert(record_integer(line, 0));
             break;
-        case line_analyser_unlocked:
-            state->locks.erase(number(values, 0));
+        case log_line::analyser_unlocked:
+            state->locks.erase(record_integer(line, 0));
             break;
-        case line_analyser_started:
-        case line_analyser_suspended:
-            state->analyser = analyser_suspended;
+        case log_line::analyser_started:
+        case log_line::analyser_suspended:
+            state->analyser = analyser_mode::suspended;
             break;
-        case line_activity_known:
-        case line_activity_new:
-            state->activity = values.at(0);
-            state->slot = number(values, 1);
+        case log_line::activity_known:
+        case log_line::activity_new:
+            state->activity = line.values[0];
+            state->slot = record_integer(line, 1);
             if (state->slot < 0 || state->slot >= fia_activity_count)
                 state->slot = -1;
-            if (id == line_activity_new)
+            if (line.row->id == log_line::activity_new)
                 state->scenes[state->slot] = 0;
             break;
-        case line_rate_service_down:
+        case log_line::rate_service_down:
             state->services["gbm-client"] = false;
             break;
         default:
-            take_rate_line(state, id, values);
-            take_timer_line(state, id, values);
-            take_measuring_line(state, id, values);
+            take_rate_line(state, line);
+            take_timer_line(state, line);
+            take_measuring_line(state, line);
             break;
     }
 }
@@ -286,24 +274,37 @@ daemon_state daemon_state_make(const simulated_figures &figures) {
     return state;
 }
 
-void daemon_state_take(daemon_state *state, const moment &now) {
-    state->now_ns = now.time_ns;
-    if (now.kind == moment_message)
-        take_message(state, now.message);
-    if (now.kind == moment_interval && state->analyser == analyser_measuring)
+void daemon_state_take(daemon_state *state, const step &taken, bool as_asked) {
+    state->now_ns = taken.time_ns;
+    if (taken.taken.kind == happening_kind::message)
+        take_message(state, *taken.taken.message);
+    if (taken.taken.kind == happening_kind::interval && state->analyser == analyser_mode::measuring)
         ++state->measured;
-    for (const told_entry &told : now.came) {
-        if (told.entry.kind == timeline_event)
-            take_event(state, told.entry);
-        else if (told.entry.kind == timeline_hardware)
-            take_call(state, told.entry.text);
-        else if (told.entry.kind == timeline_service)
-            take_service(state, told.entry.text.substr(0, told.entry.text.find("  ")));
-        else if (told.line.row != nullptr)
-            take_line(state, told.line.row->id, told.line.values);
+    for (const record &came : taken.records) {
+        if (came.kind == record_kind::event)
+            take_event(state, came);
+        else if (came.kind == record_kind::call && (as_asked || !record_is_refused(came)))
+            take_call(state, came);
+        else if (came.kind == record_kind::service)
+            take_service(state, came.name);
+        else if (came.row != nullptr)
+            take_line(state, came);
     }
     // A timer of which nothing is heard once it is over has run.
     std::erase_if(state->timers, [&](const auto &timer) { return timer.second < state->now_ns; });
+}
+
+bool rate_is_asked(int32_t fps) {
+    return fps >= fps_min && fps <= fps_max;
+}
+
+bool daemon_state_knows(const daemon_state &state, const cap_state &cap) {
+    return cap.known || state.calls_seen;
+}
+
+int daemon_state_scenes(const daemon_state &state) {
+    const auto scenes = state.scenes.find(state.slot);
+    return scenes != state.scenes.end() ? scenes->second : 0;
 }
 
 const char *requestor_word(int32_t id) {

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "simulator/simulator.h"
-#include "tools/recording/moment.h"
+#include "tools/recording/step.h"
 
-enum analyser_mode { analyser_unknown, analyser_suspended, analyser_measuring, analyser_active };
+enum class analyser_mode { unknown, suspended, measuring, active };
 
 struct cap_state {
     std::string name;
@@ -27,7 +27,7 @@ struct rate_request {
     std::optional<bool> granted;
 };
 
-// Its size does not grow with what a file holds: it is copied for every moment.
+// Its size does not grow with what a file holds: it is copied for every step.
 struct daemon_state {
     int64_t now_ns = 0;
     std::optional<int64_t> served_ns;  // since when the daemon serves
@@ -41,12 +41,12 @@ struct daemon_state {
     bool tuner_policy = false;
     std::optional<int32_t> image_mode;
     // Analyser
-    analyser_mode analyser = analyser_unknown;
+    analyser_mode analyser = analyser_mode::unknown;
     std::set<int> locks;  // reasons to be suspended, by their number
     int measured = 0;     // intervals of the measurement
     int scene = 0;        // in use, from 1; 0: not known
     int profile_share = 0;
-    int profile_bucket = 0;
+    uint32_t profile_bucket = 0;
     std::map<int, int> scenes;  // that are remembered, by the activity's slot
     int slot = -1;              // of the activity in front; -1: not known
     std::string activity;       // its name
@@ -65,8 +65,16 @@ struct daemon_state {
 // The start: caps at their highest, of these figures.
 daemon_state daemon_state_make(const simulated_figures &figures);
 
-// Takes a moment, as a whole.
-void daemon_state_take(daemon_state *state, const moment &now);
+// Takes a step, as a whole: a call that the hardware refused has changed nothing, but with
+// `as_asked`.
+void daemon_state_take(daemon_state *state, const step &taken, bool as_asked = false);
+
+// Whether a frame rate is one that a requestor may ask for; else it asks for none.
+bool rate_is_asked(int32_t fps);
+
+// Whether a cap's level is known, and how many scenes the activity in front has.
+bool daemon_state_knows(const daemon_state &state, const cap_state &cap);
+int daemon_state_scenes(const daemon_state &state);
 
 // The words for things.
 const char *requestor_word(int32_t id);

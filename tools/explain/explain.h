@@ -1,14 +1,19 @@
-// What the files behind why.h share: each looks at a moment for its subject's decisions.
+// What the files behind why.h share: each looks at a step for its subject's decisions.
 #pragma once
 
-#include "tools/explain/why.h"
+#include <vector>
 
-// Adds a decision of the moment.
-void add_decision(std::vector<decision> *made, const moment &now, decision_kind kind,
-                  const std::string &text, const std::string &detail = {});
+#include "tools/explain/daemon_state.h"
+#include "tools/explain/decision.h"
 
-// `before` and `after` are what was known before and is known after the moment.
-void explain_analyser(const daemon_state &before, const daemon_state &after, const moment &now,
+// `before` is what was known before the step; `after` is what is known behind it, where everything
+// that was asked of the hardware was done.
+void explain_analyser(const daemon_state &before, const daemon_state &after, const step &taken,
                       std::vector<decision> *made);
-void explain_features(const daemon_state &before, const daemon_state &after, const moment &now,
+void explain_features(const daemon_state &before, const daemon_state &after, const step &taken,
                       std::vector<decision> *made);
+
+// The worst answer to the step's calls of that name, and of that first argument where there is one;
+// none where there was no such call, or its answer is not known.
+std::optional<int32_t> answer_of(const step &taken, const char *call,
+                                 const std::string &argument = {});

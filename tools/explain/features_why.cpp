@@ -1,22 +1,16 @@
 // Why the display's rate, the image engine and the other features change.
-#include <stdio.h>
-
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <string_view>
 
 #include "core/events.h"
 #include "core/timer.h"
-#include "tools/explain/sentences.h"
+#include "features/low_power_mode.h"
+#include "tools/explain/explain.h"
 #include "tools/recording/messages.h"
 
 namespace {
-
-std::string seconds(int64_t time_ns) {
-    char text[32];
-    snprintf(text, sizeof(text), "+%.1f", static_cast<double>(time_ns) / 1e9);
-    return text;
-}
 
 struct event_words {
     event_id event;
@@ -57,19 +51,19 @@ std::string describe_timers(const daemon_state &before, const daemon_state &afte
 }
 
 std::string describe_cause(const daemon_state &before, const daemon_state &after,
-                           const moment &now) {
-    if (now.kind == moment_message) {
-        const std::string words = describe_message(now.message, now.is_text);
+                           const step &taken) {
+    if (taken.taken.kind == happening_kind::message) {
+        const std::string words = describe_message(*taken.taken.message);
         return "\"" + words.substr(0, words.find("  (")) + "\"";
     }
-    if (now.kind == moment_start)
+    if (step_is_start(taken))
         return "the daemon starts";
-    if (now.kind == moment_timers)
+    if (taken.taken.kind == happening_kind::timers)
         return describe_timers(before, after);
     for (const event_words &row : causes)
-        if (moment_has_event(now, row.event))
+        if (step_has_event(taken, row.event))
             return row.words;
-    if (moment_line(now, line_timer_expired) != nullptr)
+    if (step_line(taken, log_line::timer_expired) != nullptr)
         return describe_timers(before, after);
     return "why is not known";
 }
@@ -84,156 +78,219 @@ constexpr struct {
     {DVX_CODE_GAME, EV_GAME_APP_RESUMED},
 };
 
-bool has_event(const moment &now, event_id event) {
-    if (moment_has_event(now, event))
+bool has_event(const step &taken, event_id event) {
+    if (step_has_event(taken, event))
         return true;
-    return now.kind == moment_message &&
-           std::string_view(now.message.client) == DVX_CLIENT_POWERHAL &&
+    const dvx_message *message = taken.taken.message.get();
+    return message != nullptr && std::string_view(message->client) == DVX_CLIENT_POWERHAL &&
            std::any_of(
                std::begin(lifting_messages), std::end(lifting_messages),
-               [&](const auto &row) { return row.code == now.message.code && row.event == event; });
+               [&](const auto &row) { return row.code == message->code && row.event == event; });
 }
 
 // What lifts a tuned game's rate for a while.
-const char *lift_words(const moment &now) {
+const char *lift_words(const step &taken) {
     for (const event_id event :
          {EV_ROTATION, EV_APP_CHANGE, EV_WINDOW_CHANGED, EV_GAME_APP_RESUMED})
-        if (has_event(now, event))
+        if (has_event(taken, event))
             return std::find_if(std::begin(causes), std::end(causes),
                                 [&](const event_words &row) { return row.event == event; })
                 ->words;
     return nullptr;
 }
 
-void explain_rate(const daemon_state &before, const daemon_state &after, const moment &now,
-                  std::vector<decision> *made) {
-    const bool asked = std::any_of(now.came.begin(), now.came.end(), [](const told_entry &told) {
-        return told.entry.text.starts_with("request_fps ");
-    });
-    if (!after.rate || (!asked && moment_line(now, line_rate_applied) == nullptr))
-        return;
-    std::string text = std::to_string(*after.rate) + " frames per second asked: ";
-    std::string detail;
-    const int32_t winner = after.rate_winner.value_or(-1);
-    const char *lift = lift_words(now);
-    const bool tuned = after.tuner_target.value_or(0) > 0;
-    if (!after.rate_winner)
-        text += "by whom is not known";
-    else if (winner >= 0)
-        text += std::string(requestor_word(winner)) + " wants " + std::to_string(*after.rate);
-    else if (tuned && lift != nullptr)
-        text += "the game tuner wants " + std::to_string(*after.tuner_target) + ", but " + lift;
-    else
-        text += "nobody who counts wants less";
-    const auto timer = after.timers.find(timer_game_tuner);
-    if (tuned && lift != nullptr && winner < 0 && timer != after.timers.end())
-        text += " (until " + seconds(timer->second) + ")";
-    if (moment_line(now, line_rate_grant) != nullptr && after.policy)
-        detail = "who counts has changed with the policy state \"" + *after.policy + "\"";
-    else
-        detail = describe_cause(before, after, now);
-    add_decision(made, now, decision_rate, text, detail);
+double seconds(int64_t time_ns) {
+    return static_cast<double>(time_ns) / 1e9;
 }
 
-void explain_app(const daemon_state &before, const daemon_state &after, const moment &now,
+void add_cause(const daemon_state &before, const daemon_state &after, const step &taken,
+               decision *made) {
+    set_fact(made, "cause", describe_cause(before, after, taken));
+}
+
+std::optional<double> number_of(const std::optional<int32_t> &known) {
+    return known ? std::optional<double>(*known) : std::nullopt;
+}
+
+reason reason_of_rate(const daemon_state &after, bool lifted) {
+    if (!after.rate_winner)
+        return reason::rate_unknown;
+    if (*after.rate_winner >= 0)
+        return reason::rate_asked;
+    return lifted ? reason::rate_lifted : reason::rate_free;
+}
+
+void explain_rate(const daemon_state &before, const daemon_state &after, const step &taken,
+                  std::vector<decision> *made) {
+    if (!after.rate || (step_call(taken, "request_fps") == nullptr &&
+                        step_line(taken, log_line::rate_applied) == nullptr))
+        return;
+    const char *lift = lift_words(taken);
+    const bool lifted = after.tuner_target.value_or(0) > 0 && lift != nullptr;
+    decision asked = make_decision(taken, reason_of_rate(after, lifted));
+    asked.answer = answer_of(taken, "request_fps");
+    if (before.rate != after.rate)
+        asked.moved.push_back(
+            {"display", "fps", number_of(before.rate), number_of(after.rate), "", ""});
+    set_fact(&asked, "fps", *after.rate);
+    if (asked.why == reason::rate_asked)
+        set_fact(&asked, "winner", requestor_word(*after.rate_winner));
+    const auto timer = after.timers.find(timer_game_tuner);
+    if (asked.why == reason::rate_lifted) {
+        set_fact(&asked, "wanted", *after.tuner_target);
+        set_fact(&asked, "lift", lift);
+        if (timer != after.timers.end())
+            set_fact(&asked, "until_s", seconds(timer->second));
+    }
+    if (step_line(taken, log_line::rate_grant) != nullptr && after.policy)
+        set_fact(&asked, "policy", *after.policy);
+    else
+        add_cause(before, after, taken, &asked);
+    made->push_back(asked);
+}
+
+void explain_app(const daemon_state &before, const daemon_state &after, const step &taken,
                  std::vector<decision> *made) {
     if (!after.mode || before.mode == after.mode)
         return;
-    std::string detail = describe_cause(before, after, now);
+    decision entered = make_decision(taken, reason::app_mode);
+    entered.moved.push_back(
+        {"app mode", "", std::nullopt, std::nullopt, before.mode.value_or(""), *after.mode});
+    set_fact(&entered, "mode", *after.mode);
+    add_cause(before, after, taken, &entered);
     if (after.policy)
-        detail += "; policy state \"" + *after.policy + "\"";
+        set_fact(&entered, "policy", *after.policy);
     if (after.app)
-        detail += "; app \"" + *after.app + "\"";
-    add_decision(made, now, decision_app, "app mode: " + *after.mode, detail);
+        set_fact(&entered, "app", *after.app);
+    made->push_back(entered);
 }
 
-void explain_thermal(const daemon_state &before, const daemon_state &after, const moment &now,
-                     std::vector<decision> *made) {
-    const auto say = [&](const std::set<std::string> &these, const std::set<std::string> &those,
-                         const char *on_or_off) {
-        for (const std::string &name : these)
-            if (!those.contains(name))
-                add_decision(made, now, decision_thermal,
-                             "thermal configuration " + name + on_or_off,
-                             describe_cause(before, after, now));
-    };
-    say(after.thermal, before.thermal, " on");
-    say(before.thermal, after.thermal, " off");
-}
-
-void explain_power(const daemon_state &before, const daemon_state &after, const moment &now,
+void explain_image(const daemon_state &before, const daemon_state &after, const step &taken,
                    std::vector<decision> *made) {
-    const std::string cause = describe_cause(before, after, now);
-    if (after.low_power_on && (before.low_power_on != after.low_power_on ||
-                               before.low_power_level != after.low_power_level)) {
-        const bool extreme = *after.low_power_level == 2;
-        const auto timer = after.timers.find(extreme ? timer_elpm : timer_lpm);
-        std::string text = *after.low_power_on == 0 ? "low power mode off"
-                           : extreme                ? "extreme low power mode on"
-                                                    : "low power mode on";
-        if (*after.low_power_on != 0 && timer != after.timers.end())
-            text += ", its frequencies from " + seconds(timer->second) + " on";
-        add_decision(made, now, decision_power, text, cause);
-    }
+    if (!after.image_mode || before.image_mode.value_or(0) == *after.image_mode)
+        return;
+    decision set = make_decision(taken, reason::image_mode);
+    set.answer = answer_of(taken, "request_image_engine_mode");
+    set.moved.push_back(
+        {"image engine", "", before.image_mode.value_or(0), number_of(after.image_mode), "", ""});
+    set_fact(&set, "mode", *after.image_mode);
+    add_cause(before, after, taken, &set);
+    made->push_back(set);
+}
+
+void explain_thermal(const daemon_state &before, const daemon_state &after, const step &taken,
+                     std::vector<decision> *made) {
+    const auto explain = [&](const std::set<std::string> &these, const std::set<std::string> &those,
+                             reason why) {
+        for (const std::string &name : these) {
+            if (those.contains(name))
+                continue;
+            const bool on = why == reason::thermal_on;
+            decision set = make_decision(taken, why);
+            set.answer = answer_of(taken, "enable_thermal_config", name);
+            set.moved.push_back(
+                {name, "", std::nullopt, std::nullopt, on ? "off" : "on", on ? "on" : "off"});
+            set_fact(&set, "configuration", name);
+            add_cause(before, after, taken, &set);
+            made->push_back(set);
+        }
+    };
+    explain(after.thermal, before.thermal, reason::thermal_on);
+    explain(before.thermal, after.thermal, reason::thermal_off);
+}
+
+void explain_low_power(const daemon_state &before, const daemon_state &after, const step &taken,
+                       std::vector<decision> *made) {
+    if (!after.low_power_on || (before.low_power_on == after.low_power_on &&
+                                before.low_power_level == after.low_power_level))
+        return;
+    const bool extreme = *after.low_power_level == lpm_level_extreme;
+    const auto timer = after.timers.find(extreme ? timer_elpm : timer_lpm);
+    decision set = make_decision(taken, *after.low_power_on == 0 ? reason::low_power_off
+                                        : extreme                ? reason::low_power_extreme
+                                                                 : reason::low_power_on);
+    set.moved.push_back({"low power mode", "", number_of(before.low_power_on),
+                         number_of(after.low_power_on), "", ""});
+    if (timer != after.timers.end())
+        set_fact(&set, "from_s", seconds(timer->second));
+    add_cause(before, after, taken, &set);
+    made->push_back(set);
+}
+
+void explain_switches(const daemon_state &before, const daemon_state &after, const step &taken,
+                      std::vector<decision> *made) {
+    const auto explain = [&](const char *what, bool on, reason why, std::optional<int32_t> answer) {
+        decision set = make_decision(taken, why);
+        set.answer = answer;
+        set.moved.push_back(
+            {what, "", std::nullopt, std::nullopt, on ? "off" : "on", on ? "on" : "off"});
+        add_cause(before, after, taken, &set);
+        made->push_back(set);
+    };
     if (after.mitigation && before.mitigation.value_or(false) != *after.mitigation)
-        add_decision(made, now, decision_power,
-                     *after.mitigation ? "thermal mitigation requested" : "thermal mitigation over",
-                     cause);
+        explain("thermal mitigation", *after.mitigation,
+                *after.mitigation ? reason::mitigation_on : reason::mitigation_off,
+                answer_of(taken, "request_tmr_2cluster"));
     if (after.automode && before.automode != after.automode)
-        add_decision(made, now, decision_power, *after.automode ? "automode on" : "automode off",
-                     cause);
+        explain("automode", *after.automode,
+                *after.automode ? reason::automode_on : reason::automode_off,
+                answer_of(taken, "set_automode_freq"));
 }
 
 // Lines whose sentence is said here, and not from the table.
 bool is_told_elsewhere(const log_row &row) {
-    constexpr log_line said[] = {line_measure_too_slow, line_measure_too_few, line_measure_again,
-                                 line_measure_over, line_caps_over_budget};
-    if (row.failure || std::find(std::begin(said), std::end(said), row.id) != std::end(said))
+    constexpr log_line told[] = {log_line::measure_too_slow, log_line::measure_too_few,
+                                 log_line::measure_again, log_line::measure_over,
+                                 log_line::caps_over_budget};
+    if (row.failure || std::find(std::begin(told), std::end(told), row.id) != std::end(told))
         return false;
     switch (row.subject) {
-        case subject_app:
-        case subject_policy:
-        case subject_rate:
-        case subject_image:
-        case subject_timer:
-        case subject_event:
-        case subject_library:
-        case subject_analyser:
-        case subject_measuring:
-        case subject_scene:
-        case subject_active:
-        case subject_caps:
+        case log_subject::app:
+        case log_subject::policy:
+        case log_subject::rate:
+        case log_subject::image:
+        case log_subject::timer:
+        case log_subject::event:
+        case log_subject::library:
+        case log_subject::analyser:
+        case log_subject::measuring:
+        case log_subject::scene:
+        case log_subject::active:
+        case log_subject::caps:
             return true;
         default:
             return false;
     }
 }
 
-void explain_lines(const daemon_state &, const daemon_state &, const moment &now,
+void explain_lines(const daemon_state &, const daemon_state &, const step &taken,
                    std::vector<decision> *made) {
-    for (const told_entry &told : now.came) {
-        if (told.line.row == nullptr || is_told_elsewhere(*told.line.row))
+    constexpr const char *places[] = {"1", "2", "3", "4", "5", "6", "7", "8", "9"};
+    for (const record &line : taken.records) {
+        if (line.row == nullptr || line.row->sentence == nullptr || is_told_elsewhere(*line.row))
             continue;
-        const std::string sentence = log_line_sentence(told.line);
-        if (!sentence.empty())
-            add_decision(made, now, told.line.row->failure ? decision_failure : decision_other,
-                         sentence);
+        decision told = make_decision(taken, reason::logged);
+        told.row = line.row;
+        for (size_t i = 0; i < line.values.size() && i < std::size(places); ++i)
+            set_fact(&told, places[i], line.values[i]);
+        made->push_back(told);
     }
-}
-
-void explain_image(const daemon_state &before, const daemon_state &after, const moment &now,
-                   std::vector<decision> *made) {
-    if (after.image_mode && before.image_mode.value_or(0) != *after.image_mode)
-        add_decision(made, now, decision_image,
-                     "image engine mode " + std::to_string(*after.image_mode),
-                     describe_cause(before, after, now));
 }
 
 }  // namespace
 
-void explain_features(const daemon_state &before, const daemon_state &after, const moment &now,
+std::optional<int32_t> answer_of(const step &taken, const char *call, const std::string &argument) {
+    std::optional<int32_t> worst;
+    for (const record &each : taken.records)
+        if (record_is_call(each, call) && each.answer &&
+            (argument.empty() || (!each.values.empty() && each.values[0] == argument)))
+            worst = std::min(worst.value_or(*each.answer), *each.answer);
+    return worst;
+}
+
+void explain_features(const daemon_state &before, const daemon_state &after, const step &taken,
                       std::vector<decision> *made) {
-    for (const auto explain :
-         {explain_app, explain_rate, explain_image, explain_thermal, explain_power, explain_lines})
-        explain(before, after, now, made);
+    for (const auto explain : {explain_app, explain_rate, explain_image, explain_thermal,
+                               explain_low_power, explain_switches, explain_lines})
+        explain(before, after, taken, made);
 }

@@ -1,74 +1,49 @@
 #include "tools/explain/why.h"
 
-#include <stdio.h>
-
 #include <algorithm>
-#include <nlohmann/json.hpp>
+#include <string>
 #include <utility>
 
-#include "tools/base/shown.h"
-#include "tools/explain/sentences.h"
-
-void add_decision(std::vector<decision> *made, const moment &now, decision_kind kind,
-                  const std::string &text, const std::string &detail) {
-    made->push_back({now.time_ns, kind, text, detail});
-}
+#include "tools/explain/explain.h"
 
 namespace {
 
 // What is said more than once is said once, with how often.
 std::vector<decision> fold_repeated(std::vector<decision> made) {
+    std::vector<std::string> texts;
     std::vector<decision> folded;
-    for (size_t i = 0; i < made.size(); ++i) {
-        const auto is_same = [&](const decision &each) {
-            return each.text == made[i].text && each.detail == made[i].detail;
-        };
-        if (std::any_of(made.begin(), made.begin() + static_cast<long>(i), is_same))
+    if (made.size() < 2)
+        return made;
+    for (decision &each : made) {
+        const std::string text = decision_text(each);
+        const auto same = std::find(texts.begin(), texts.end(), text);
+        if (same != texts.end()) {
+            ++folded[static_cast<size_t>(same - texts.begin())].times;
             continue;
-        const long times = std::count_if(made.begin(), made.end(), is_same);
-        folded.push_back(made[i]);
-        if (times > 1)
-            folded.back().text += ", " + std::to_string(times) + " times";
+        }
+        texts.push_back(text);
+        folded.push_back(std::move(each));
     }
     return folded;
 }
 
 }  // namespace
 
-std::vector<decision> why_take(daemon_state *state, const moment &now) {
+std::vector<decision> why_take(daemon_state *state, const step &taken) {
     std::vector<decision> made;
     // Nearly every interval brings about nothing.
-    if (now.kind == moment_interval && now.came.empty()) {
-        daemon_state_take(state, now);
+    if (taken.taken.kind == happening_kind::interval && taken.records.empty()) {
+        daemon_state_take(state, taken);
         return made;
     }
     const daemon_state before = *state;
-    daemon_state_take(state, now);
-    explain_features(before, *state, now, &made);
-    explain_analyser(before, *state, now, &made);
+    daemon_state as_asked = before;
+    daemon_state_take(&as_asked, taken, true);
+    explain_features(before, as_asked, taken, &made);
+    explain_analyser(before, as_asked, taken, &made);
+    if (std::any_of(taken.records.begin(), taken.records.end(), record_is_refused))
+        daemon_state_take(state, taken);
+    else
+        *state = std::move(as_asked);
     return fold_repeated(std::move(made));
-}
-
-const char *decision_kind_word(decision_kind kind) {
-    constexpr const char *words[] = {"caps", "measuring", "analyser", "rate",    "image", "thermal",
-                                     "app",  "power",     "service",  "failure", "other"};
-    static_assert(std::size(words) == decision_other + 1);
-    return words[kind];
-}
-
-nlohmann::ordered_json why_describe(const decision &made) {
-    const int64_t time_ms = made.time_ns / 1000000;
-    return {{"t_s", static_cast<double>(time_ms) / 1e3},
-            {"kind", decision_kind_word(made.kind)},
-            {"text", made.text},
-            {"detail", made.detail}};
-}
-
-std::string decision_text(const decision &made) {
-    char time[32];
-    snprintf(time, sizeof(time), "+%.3f", static_cast<double>(made.time_ns) / 1e9);
-    std::string text = std::string(time) + "  " + shown(made.text);
-    if (!made.detail.empty())
-        text += "\n" + std::string(decision_indent, ' ') + shown(made.detail);
-    return text;
 }

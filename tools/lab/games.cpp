@@ -6,6 +6,7 @@
 #include <map>
 
 #include "device/virtual_device.h"
+#include "tools/base/files.h"
 #include "tools/base/whole_file.h"
 #include "tools/lab/model.h"
 

@@ -84,10 +84,10 @@ size_t lowest_level(const std::vector<double> &mhz, size_t cap, double fixed_ms,
 void pick_levels(const play_state &state, const game_work &game, governor picks,
                  const device_levels &levels, const size_t *caps, size_t *picked) {
     std::copy_n(caps, resource_count, picked);
-    if (picks == governor_max)
+    if (picks == governor::max)
         return;
     const double factor = state.expected;
-    double limit_ms = state.period_us / 1000 / headrooms[picks];
+    double limit_ms = state.period_us / 1000 / headrooms[static_cast<size_t>(picks)];
     picked[resource_little] = lowest_level(levels.mhz[resource_little], caps[resource_little], 0,
                                            little_megacycles, limit_ms);
     // Where one waits for the other, each has the share of the frame that it has at the caps.

@@ -49,17 +49,14 @@ struct variation {
     std::vector<double> factors;  // of frames, in turn, instead of how their work varies
 };
 
-enum governor {
-    governor_fit,    // the lowest level that holds the frame with a quarter of headroom
-    governor_eager,  // the lowest level at which half of the time is rest
-    governor_max,    // always the cap
+enum class governor {
+    fit,    // the lowest level that holds the frame with a quarter of headroom
+    eager,  // the lowest level at which half of the time is rest
+    max,    // always the cap
 };
 
-enum resource { resource_big, resource_little, resource_gpu, resource_count };
-
-struct panel {
-    double period_us;
-};
+// The resources that caps are for, as indices of what is kept for each.
+enum resource_index { resource_big, resource_little, resource_gpu, resource_count };
 
 // The levels of a device's resources, in MHz, the highest first.
 struct device_levels {

@@ -2,7 +2,6 @@
 // act on the next frame.
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
@@ -13,7 +12,7 @@ struct lab_setup {
     double minutes = 10;
     uint64_t seed = 1;
     double panel_hz = 59.92;
-    governor picks = governor_eager;
+    governor picks = governor::eager;
     variation varies;
     simulated_figures figures;
     std::string record;  // directory for a recording a game; empty: none
@@ -50,6 +49,3 @@ double lab_fps_lost(const game_result &result);
 
 // Energy that caps save, as a share of that without them.
 double lab_energy_saved(const game_result &result);
-
-// A result with the fields of docs/lab.md.
-nlohmann::ordered_json lab_describe(const game_result &result);

@@ -9,15 +9,13 @@
 #include <random>
 #include <set>
 
-#include "device/virtual_device.h"
+#include "tools/base/clock.h"
 #include "tools/base/exit_status.h"
-#include "tools/base/json.h"
 #include "tools/base/output_file.h"
 #include "tools/base/shown.h"
 #include "tools/base/whole_file.h"
+#include "tools/lab/lab_json.h"
 #include "tools/simulated/settings.h"
-
-using nlohmann::ordered_json;
 
 namespace {
 
@@ -61,101 +59,76 @@ std::vector<figure_set> draw_sets(const std::vector<varied_figure> &figures,
     return sets;
 }
 
-ordered_json describe_set(const std::vector<varied_figure> &figures, const figure_set &set) {
-    ordered_json said = ordered_json::object();
+setting_list name_set(const std::vector<varied_figure> &figures, const figure_set &values) {
+    setting_list set;
     for (size_t i = 0; i < figures.size(); ++i)
-        said[figures[i].name] = set[i];
-    return said;
+        set.emplace_back(figures[i].name, values[i]);
+    return set;
 }
 
-// What a set comes to over all games; with "error" where it cannot be tried.
-ordered_json try_set(lab_setup setup, const ordered_json &set) {
-    ordered_json said = {{"set", set}};
-    for (const auto &[name, value] : set.items()) {
-        const std::string wrong = setting_apply(&setup.figures, name, value.get<int64_t>());
+// Applies a set. Empty, or why it cannot be.
+std::string apply_set(const setting_list &set, simulated_figures *figures) {
+    for (const auto &[name, value] : set) {
+        const std::string wrong = setting_apply(figures, name, value);
         if (!wrong.empty())
-            return {{"set", set}, {"error", wrong}};
+            return wrong;
     }
-    const std::string wrong = settings_check(setup.figures);
-    if (!wrong.empty())
-        return {{"set", set}, {"error", wrong}};
-    double saved = 0;
-    double lost = 0;
-    double worst = 0;
-    std::string worst_game;
-    bool left = false;
+    return settings_check(*figures);
+}
+
+// What a set comes to over all games.
+tried_set try_set(lab_setup setup, const setting_list &set) {
+    tried_set tried;
+    tried.set = set;
+    tried.error = apply_set(set, &setup.figures);
+    if (!tried.error.empty())
+        return tried;
     for (const game_result &result : lab_run(setup)) {
-        if (!result.error.empty())
-            return {{"set", set}, {"error", result.game + ": " + result.error}};
-        const double loss = lab_fps_lost(result);
-        saved += lab_energy_saved(result);
-        lost += loss;
-        left |= result.caps_left;
-        if (worst_game.empty() || loss > worst) {
-            worst = loss;
-            worst_game = result.game;
+        if (!result.error.empty()) {
+            tried.error = result.game + ": " + result.error;
+            return tried;
         }
-        said["games"][result.game] = {{"lost", loss}, {"saved", lab_energy_saved(result)}};
+        const tried_game game = {result.game, lab_fps_lost(result), lab_energy_saved(result)};
+        tried.energy_saved += game.saved;
+        tried.fps_lost += game.lost;
+        tried.caps_left |= result.caps_left;
+        if (tried.games.empty() || game.lost > tried.worst_lost) {
+            tried.worst_lost = game.lost;
+            tried.worst_game = game.name;
+        }
+        tried.games.push_back(game);
     }
     const double count = static_cast<double>(setup.games.size());
-    said["minutes"] = setup.minutes;
-    said["energy_saved"] = saved / count;
-    said["fps_lost"] = lost / count;
-    said["worst_lost"] = worst;
-    said["worst_game"] = worst_game;
-    said["caps_left"] = left;
-    return said;
+    tried.minutes = setup.minutes;
+    tried.energy_saved /= count;
+    tried.fps_lost /= count;
+    return tried;
 }
 
-// Why a line that was tried is of no use here; empty where it is of this very search.
-std::string check_tried(const ordered_json &each, const lab_setup &setup,
+// Why a set that was tried is of no use here; empty where it is of this very search.
+std::string check_tried(const tried_set &tried, const lab_setup &setup,
                         const std::vector<varied_figure> &figures) {
-    const ordered_json &set = each["set"];
-    bool same = set.size() == figures.size();
-    for (const varied_figure &figure : figures)
-        same &= set.contains(figure.name);
-    if (!same)
+    const auto has_figure = [&](const varied_figure &figure) {
+        return std::any_of(tried.set.begin(), tried.set.end(),
+                           [&](const auto &each) { return each.first == figure.name; });
+    };
+    const auto has_game = [&](const game_work &game) {
+        return std::any_of(tried.games.begin(), tried.games.end(),
+                           [&](const tried_game &each) { return each.name == game.name; });
+    };
+    if (tried.set.size() != figures.size() ||
+        !std::all_of(figures.begin(), figures.end(), has_figure))
         return "its sets vary other figures";
-    if (each.contains("error"))
-        return {};
-    same = each.contains("games") && each["games"].size() == setup.games.size();
-    for (const game_work &game : setup.games)
-        same &= each.contains("games") && each["games"].contains(game.name);
-    if (!same || each.value("minutes", setup.minutes) != setup.minutes)
+    if (tried.error.empty() &&
+        (tried.games.size() != setup.games.size() || tried.minutes != setup.minutes ||
+         !std::all_of(setup.games.begin(), setup.games.end(), has_game)))
         return "its sets were tried on other games, or for another time";
     return {};
 }
 
-bool has_numbers(const ordered_json &object, std::initializer_list<const char *> names) {
-    return std::all_of(names.begin(), names.end(), [&](const char *name) {
-        return object.contains(name) && object[name].is_number();
-    });
-}
-
-// Whether a line has all that a tried set has, of the types that it has.
-bool is_tried(const ordered_json &line) {
-    if (!line.is_object() || !line.contains("set") || !line["set"].is_object())
-        return false;
-    const ordered_json &set = line["set"];
-    if (set.empty() || !std::all_of(set.begin(), set.end(), [](const ordered_json &value) {
-            return value.is_number_integer();
-        }))
-        return false;
-    if (line.contains("error"))
-        return line["error"].is_string();
-    if (!has_numbers(line, {"minutes", "energy_saved", "fps_lost", "worst_lost"}) ||
-        !line.contains("worst_game") || !line["worst_game"].is_string() ||
-        !line.contains("games") || !line["games"].is_object())
-        return false;
-    const ordered_json &games = line["games"];
-    return std::all_of(games.begin(), games.end(), [](const ordered_json &game) {
-        return game.is_object() && has_numbers(game, {"lost", "saved"});
-    });
-}
-
 // What a file holds of a search.
 struct tried_file {
-    std::vector<ordered_json> sets;
+    std::vector<tried_set> sets;
     size_t whole_bytes = 0;  // of the lines that are ended
     bool last_open = false;  // the last set's line is not
 };
@@ -175,8 +148,8 @@ std::string read_tried(const std::string &path, tried_file *tried) {
         const size_t end = text.find('\n', tried->whole_bytes);
         const std::string_view line = text.substr(tried->whole_bytes, end - tried->whole_bytes);
         const bool ended = end != std::string_view::npos;
-        ordered_json read = json_read(line);
-        const bool good = is_tried(read);
+        tried_set read;
+        const bool good = tried_set_read(line, &read);
         if (good)
             tried->sets.push_back(std::move(read));
         else if (ended || number == 1 || !line.starts_with("{"))
@@ -190,65 +163,67 @@ std::string read_tried(const std::string &path, tried_file *tried) {
 }
 
 // Sets of which no other saves more and loses less, by what they save.
-std::vector<ordered_json> find_front(const std::vector<ordered_json> &tried) {
-    std::vector<ordered_json> good;
-    for (const ordered_json &each : tried)
-        if (!each.contains("error"))
+std::vector<tried_set> find_front(const std::vector<tried_set> &tried) {
+    std::vector<tried_set> good;
+    for (const tried_set &each : tried)
+        if (each.error.empty())
             good.push_back(each);
-    std::stable_sort(good.begin(), good.end(), [](const ordered_json &a, const ordered_json &b) {
-        return a["energy_saved"] > b["energy_saved"];
+    std::stable_sort(good.begin(), good.end(), [](const tried_set &a, const tried_set &b) {
+        return a.energy_saved > b.energy_saved;
     });
-    std::vector<ordered_json> front;
+    std::vector<tried_set> front;
     double least_lost = INFINITY;
-    for (const ordered_json &each : good)
-        if (each["worst_lost"] < least_lost) {
-            least_lost = each["worst_lost"].get<double>();
+    for (const tried_set &each : good)
+        if (each.worst_lost < least_lost) {
+            least_lost = each.worst_lost;
             front.push_back(each);
         }
     return front;
 }
 
-void print_set(const ordered_json &each) {
-    printf("%6.1f %%  %8.2f  %8.2f  %-16s", each["energy_saved"].get<double>() * 100,
-           each["fps_lost"].get<double>(), each["worst_lost"].get<double>(),
-           shown(each["worst_game"].get<std::string>()).c_str());
-    for (const auto &[name, value] : each["set"].items())
-        printf(" %s=%s", shown(name).c_str(), json_write(value).c_str());
+void print_set(const tried_set &each) {
+    printf("%6.1f %%  %8.2f  %8.2f  %-16s", each.energy_saved * 100, each.fps_lost, each.worst_lost,
+           shown(each.worst_game).c_str());
+    for (const auto &[name, value] : each.set)
+        printf(" %s=%lld", shown(name).c_str(), static_cast<long long>(value));
     printf("\n");
 }
 
-int conclude(const std::vector<ordered_json> &tried, double max_loss, bool json) {
-    const std::vector<ordered_json> front = find_front(tried);
-    const auto best = std::find_if(front.begin(), front.end(), [&](const ordered_json &each) {
-        return each["worst_lost"] <= max_loss;
-    });
-    if (json) {
-        ordered_json said = {{"tried", tried.size()}, {"front", front}};
-        said["best"] = best != front.end() ? *best : ordered_json(nullptr);
-        printf("%s\n", json_write(said).c_str());
-    } else {
-        printf("%zu sets tried, energy saved and frames lost as a model's result:\n", tried.size());
-        printf("   saved  lost, mean    at most  of\n");
-        if (!tried.empty() && !tried[0].contains("error")) {
-            print_set(tried[0]);
-            printf("that is the first one; the front:\n");
-        }
-        for (const ordered_json &each : front)
-            print_set(each);
-        if (best != front.end())
-            printf("most saved where no game loses more than %.2f frames per second:\n", max_loss);
-        else
-            printf("in no set does every game lose at most %.2f frames per second\n", max_loss);
-        if (best != front.end())
-            print_set(*best);
+void print_front(const std::vector<tried_set> &tried, const std::vector<tried_set> &front,
+                 const tried_set *best, double max_loss) {
+    printf("%zu sets tried, energy saved and frames lost as a model's result:\n", tried.size());
+    printf("   saved  lost, mean    at most  of\n");
+    if (!tried.empty() && tried[0].error.empty()) {
+        print_set(tried[0]);
+        printf("that is the first one; the front:\n");
     }
-    return best != front.end() ? 0 : exit_found;
+    for (const tried_set &each : front)
+        print_set(each);
+    if (best == nullptr) {
+        printf("in no set does every game lose at most %.2f frames per second\n", max_loss);
+        return;
+    }
+    printf("most saved where no game loses more than %.2f frames per second:\n", max_loss);
+    print_set(*best);
+}
+
+int conclude(const std::vector<tried_set> &tried, double max_loss, bool json) {
+    const std::vector<tried_set> front = find_front(tried);
+    const auto found = std::find_if(front.begin(), front.end(), [&](const tried_set &each) {
+        return each.worst_lost <= max_loss;
+    });
+    const tried_set *best = found != front.end() ? &*found : nullptr;
+    if (json)
+        printf("%s\n", search_line(tried.size(), front, best).c_str());
+    else
+        print_front(tried, front, best, max_loss);
+    return best != nullptr ? 0 : exit_found;
 }
 
 void tell_progress(size_t done, size_t all, int64_t begin_ns) {
     if (isatty(STDERR_FILENO) == 0 || done == 0)
         return;
-    const double took_s = static_cast<double>(device_now_ns() - begin_ns) / 1e9;
+    const double took_s = static_cast<double>(monotonic_ns() - begin_ns) / 1e9;
     fprintf(stderr, "\r%zu of %zu sets, %.0f s left ", done, all,
             took_s / static_cast<double>(done) * static_cast<double>(all - done));
     if (done == all)
@@ -299,7 +274,7 @@ int search_command(const lab_setup &setup, const search_options &options) {
         const std::string wrong = read_tried(options.out, &before);
         if (!wrong.empty())
             return refuse(wrong);
-        for (const ordered_json &each : before.sets) {
+        for (const tried_set &each : before.sets) {
             const std::string other = check_tried(each, setup, figures);
             if (!other.empty())
                 return refuse(options.out + " is of another search: " + other);
@@ -310,26 +285,26 @@ int search_command(const lab_setup &setup, const search_options &options) {
         out = output_continue(options.out, before.whole_bytes, options.inputs);
     if (!out.error.empty())
         return refuse(out.error);
-    std::vector<ordered_json> tried = std::move(before.sets);
-    if (before.last_open && !output_append(&out, json_write(tried.back())))
+    std::vector<tried_set> tried = std::move(before.sets);
+    if (before.last_open && !output_append(&out, tried_set_line(tried.back())))
         return fail("cannot write " + out.error);
     const std::vector<figure_set> sets =
         draw_sets(figures, setup.figures, options.samples, setup.seed);
-    std::vector<ordered_json> mine;
+    std::vector<setting_list> mine;
     for (size_t i = shard - 1; i < sets.size(); i += shards)
-        mine.push_back(describe_set(figures, sets[i]));
-    const int64_t begin_ns = device_now_ns();
+        mine.push_back(name_set(figures, sets[i]));
+    const int64_t begin_ns = monotonic_ns();
     size_t done = 0;
-    for (const ordered_json &set : mine) {
+    for (const setting_list &set : mine) {
         tell_progress(done++, mine.size(), begin_ns);
         if (std::any_of(tried.begin(), tried.end(),
-                        [&](const ordered_json &each) { return each["set"] == set; }))
+                        [&](const tried_set &each) { return each.set == set; }))
             continue;
         tried.push_back(try_set(setup, set));
-        if (out.fd >= 0 && !output_append(&out, json_write(tried.back())))
+        if (out.fd >= 0 && !output_append(&out, tried_set_line(tried.back())))
             return fail("cannot write " + out.error);
         if (options.json) {
-            printf("%s\n", json_write(tried.back()).c_str());
+            printf("%s\n", tried_set_line(tried.back()).c_str());
             fflush(stdout);
         }
     }
@@ -350,13 +325,11 @@ int merge_command(const std::vector<std::string> &paths, double max_loss, bool j
         if (!wrong.empty())
             return refuse(wrong);
     }
-    std::vector<ordered_json> tried = std::move(all.sets);
+    std::vector<tried_set> tried = std::move(all.sets);
     if (tried.empty())
         return refuse(paths[0] + (paths.size() > 1 ? " and the others hold" : " holds") +
                       " no set that was tried");
-    std::set<std::string> sets;  // what two shards have tried counts once
-    std::erase_if(tried, [&](const ordered_json &each) {
-        return !sets.insert(json_write(each.at("set"))).second;
-    });
+    std::set<setting_list> sets;  // what two shards have tried counts once
+    std::erase_if(tried, [&](const tried_set &each) { return !sets.insert(each.set).second; });
     return conclude(tried, max_loss, json);
 }

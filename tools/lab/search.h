@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tools/lab/run.h"
+#include "tools/simulated/settings.h"
 
 // A figure that is varied, from `low` to `high` by `step`.
 struct varied_figure {
@@ -15,12 +16,31 @@ struct varied_figure {
     int64_t step = 1;
 };
 
+// What a game came to with a set, and a set with all games.
+struct tried_game {
+    std::string name;
+    double lost = 0;  // frames per second
+    double saved = 0;
+};
+
+struct tried_set {
+    setting_list set;   // of the figures that are varied
+    std::string error;  // empty, or why it could not be tried
+    std::vector<tried_game> games;
+    double minutes = 0;
+    double energy_saved = 0;  // means over the games
+    double fps_lost = 0;
+    double worst_lost = 0;
+    std::string worst_game;
+    bool caps_left = false;  // after a game
+};
+
 struct search_options {
     std::vector<std::string> vary;  // NAME=LO..HI[:STEP]
     double max_loss = 1;            // frames per second that no game may lose more than
     int samples = 200;
     std::string shard = "1/1";  // K/N
-    std::string out;            // the sets that have been tried; one that exists is gone on with
+    std::string out;            // the sets that have been tried; one that is there is continued
     std::vector<std::string> inputs;  // files that are read, which `out` is not to be
     bool json = false;
 };

@@ -1,7 +1,5 @@
 #include "tools/recording/cap_call.h"
 
-#include <stdio.h>
-
 namespace {
 
 constexpr char gpu[] = "TMK_GPU";
@@ -13,11 +11,9 @@ double cap_hertz(const std::string &name, double frequency) {
     return name == gpu ? frequency : frequency * hertz_a_kilohertz;
 }
 
-bool cap_call_read(const std::string &call, cap_call *cap) {
-    char name[128];
-    double frequency;
-    if (sscanf(call.c_str(), "set_tmk_freq %127s %lf", name, &frequency) != 2)
+bool cap_call_read(const record &call, cap_call *cap) {
+    if (!record_is_call(call, "set_tmk_freq") || call.values.size() < 2)
         return false;
-    *cap = {name, cap_hertz(name, frequency)};
+    *cap = {call.values[0], cap_hertz(call.values[0], record_number(call, 1))};
     return true;
 }

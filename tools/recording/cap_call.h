@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "tools/recording/record.h"
+
 struct cap_call {
     std::string name;  // of the resource, as "TMK_GPU"
     double hertz = 0;
@@ -13,4 +15,4 @@ struct cap_call {
 double cap_hertz(const std::string &name, double frequency);
 
 // Reads a call. False for any other.
-bool cap_call_read(const std::string &call, cap_call *cap);
+bool cap_call_read(const record &call, cap_call *cap);

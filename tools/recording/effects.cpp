@@ -1,8 +1,5 @@
 #include "tools/recording/effects.h"
 
-#include <stdlib.h>
-
-#include <iterator>
 #include <sstream>
 #include <utility>
 
@@ -12,9 +9,9 @@
 
 namespace {
 
-std::string megahertz(const std::string &cap, const std::string &frequency) {
+std::string megahertz(double hertz) {
     std::ostringstream text;
-    text << cap_hertz(cap, atof(frequency.c_str())) / 1e6;
+    text << hertz / 1e6;
     return text.str();
 }
 
@@ -22,53 +19,42 @@ std::string on_or_off(const std::string &value) {
     return value == "0" ? "off" : value == "1" ? "on" : value;
 }
 
-effect read_call(const std::vector<std::string> &words) {
-    const std::string &name = words[0];
-    const std::string first = words.size() > 1 ? words[1] : "";
-    const std::string second = words.size() > 2 ? words[2] : "";
-    if (name == "request_fps")
+effect read_call(const record &call) {
+    const std::string first = !call.values.empty() ? call.values[0] : "";
+    const std::string second = call.values.size() > 1 ? call.values[1] : "";
+    cap_call cap;
+    if (cap_call_read(call, &cap))
+        return {"cap of " + cap.name, "", megahertz(cap.hertz), " MHz"};
+    if (call.name == "request_fps")
         return {"display", "", first, " frames per second"};
-    if (name == "set_tmk_freq")
-        return {"cap of " + first, "", megahertz(first, second), " MHz"};
-    if (name == "request_image_engine_mode")
+    if (call.name == "request_image_engine_mode")
         return {"image engine", "", "mode " + first, ""};
-    if (name == "enable_thermal_config")
+    if (call.name == "enable_thermal_config")
         return {"thermal configuration " + first, "", on_or_off(second), ""};
-    if (name == "request_tmr_2cluster")
+    if (call.name == "request_tmr_2cluster")
         return {"thermal mitigation", "", first == "4294967295" ? "released" : "requested", ""};
-    if (name == "request_fbcn_en")
+    if (call.name == "request_fbcn_en")
         return {"frame interval reports", "", on_or_off(first), ""};
-    if (name == "request_fbcn_i_thresh")
+    if (call.name == "request_fbcn_i_thresh")
         return {"frame intervals", "", first == "0" ? "wanted" : "not wanted", ""};
-    if (name == "request_osprin_control")
+    if (call.name == "request_osprin_control")
         return {"osprin", "", on_or_off(first), ""};
-    if (name == "set_osprin_gov_state")
+    if (call.name == "set_osprin_gov_state")
         return {"osprin governor", "", first, ""};
     return {};
 }
 
-// A message to a service, "frame-rate service" and what is said behind two blanks: news where
-// something else was said of its subject last.
-effect read_message(const std::string &text) {
-    const size_t gap = text.find("  ");
-    if (gap == std::string::npos)
-        return {};
-    const std::string said = text.substr(gap + 2);
-    return {text.substr(0, gap) + ", " + said.substr(0, said.rfind(' ')), "", said, ""};
-}
-
-effect read_entry(const timeline_entry &entry) {
-    std::istringstream stream(entry.text);
-    const std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
-    if (words.empty())
-        return {};
-    switch (entry.kind) {
-        case timeline_hardware:
-            return read_call(words);
-        case timeline_service:
-            return read_message(entry.text);
-        case timeline_property:
-            return {"property " + words[0], "", words.size() > 1 ? words[1] : "", ""};
+effect read_record(const record &came) {
+    switch (came.kind) {
+        case record_kind::call:
+            return read_call(came);
+        case record_kind::service:  // news where something else was said of its subject last
+            if (came.values.empty())
+                return {};
+            return {came.name + ", " + came.values[0], "", came.values[0] + " " + came.values[1],
+                    ""};
+        case record_kind::property:
+            return {"property " + came.name, "", came.values[0], ""};
         default:
             return {};
     }
@@ -107,29 +93,29 @@ effects make_effects() {
         if (get_freq_config(&config) != 0)
             continue;
         present.settings[std::string("cap of ") + config.name] =
-            megahertz(config.name, std::to_string(config.freqs[0]));
+            megahertz(cap_hertz(config.name, config.freqs[0]));
         delete[] config.freqs;
     }
     return present;
 }
 
-effect note_effect(effects *present, const timeline_entry &entry) {
-    effect now = read_entry(entry);
-    if (now.setting.empty())
+effect note_effect(effects *present, const record &came) {
+    effect change = read_record(came);
+    if (change.setting.empty() || record_is_refused(came))
         return {};
-    const bool is_switch = now.setting.starts_with("thermal configuration ");
+    const bool is_switch = change.setting.starts_with("thermal configuration ");
     std::string &known =
-        present->settings.try_emplace(now.setting, is_switch ? "off" : "").first->second;
-    if (known == now.value)
+        present->settings.try_emplace(change.setting, is_switch ? "off" : "").first->second;
+    if (known == change.value)
         return {};
-    now.before = std::exchange(known, now.value);
-    return now;
+    change.before = std::exchange(known, change.value);
+    return change;
 }
 
-const char *mode_entered(const timeline_entry &entry) {
-    if (entry.kind == timeline_event)
+const char *mode_entered(const record &came) {
+    if (came.kind == record_kind::event)
         for (const mode_word &row : mode_words)
-            if (strtoul(entry.text.c_str(), nullptr, 10) == row.event)
+            if (came.event == row.event)
                 return row.word;
     return nullptr;
 }

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/recording/timeline.h"
+#include "tools/recording/record.h"
 
 struct effects {
     std::map<std::string, std::string> settings;  // values by setting, as they are now
@@ -22,8 +22,8 @@ struct effect {
     std::string unit;  // with a blank before it
 };
 
-// What an entry changes.
-effect note_effect(effects *present, const timeline_entry &entry);
+// What a record changes.
+effect note_effect(effects *present, const record &came);
 
-// The app mode that an event enters, in a word; null for any other entry.
-const char *mode_entered(const timeline_entry &entry);
+// The app mode that an event enters, in a word; null for any other record.
+const char *mode_entered(const record &came);

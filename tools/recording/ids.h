@@ -2,88 +2,92 @@
 #pragma once
 
 // clang-format off
-enum log_line {
-    line_started, line_no_event_manager, line_no_fps_manager, line_no_merlak, line_no_ie_manager,
-    line_no_clock_manager, line_no_server, line_no_kernel_monitor, line_no_activity_trigger,
-    line_no_running_app, line_no_policy, line_no_profile_controller, line_no_thermal_control,
-    line_no_osprin, line_no_automode,
-
-    line_library_held, line_library_32, line_library_64, line_custom_library_32,
-    line_custom_library_64, line_symbol_missing, line_file_not_written,
-
-    line_callback_registered, line_event_raised, line_callback_runs, line_event_unknown,
-    line_callback_memory, line_event_memory, line_event_trigger,
-
-    line_client_registered, line_client_twice, line_client_memory, line_socket_failed,
-    line_listen_failed, line_listener_thread, line_select_failed, line_receive_failed,
-    line_client_unknown, line_powerhal_code, line_dgpc_code, line_tmr_code, line_mediahal_code,
-    line_vrhal_code,
-
-    line_monitor_thread, line_polling_failed,
-
-    line_trigger_listed, line_trigger_memory, line_running_app_memory, line_app_in_front,
-    line_window_in_front, line_trigger_left, line_running_app,
-
-    line_policy_thread, line_acceptor_memory, line_policy_state, line_grant_held,
-
-    line_requestor_listed, line_requestors_none, line_rate_grant, line_rate_applied,
-    line_requestor_missing, line_game_optimizer, line_game_tuned, line_game_ofvalue,
-
-    line_image_first, line_image_next, line_image_entry_memory, line_image_row_memory,
-    line_image_grant, line_image_mode, line_image_no_engine,
-
-    line_no_handle, line_thermal_unsupported, line_thermal_thread, line_thermal_check,
-    line_thermal_not_bound, line_thermal_not_loaded, line_config_symbol, line_config_unbound,
-    line_config_set, line_config_failed, line_config_stuck,
-
-    line_mitigation_app_change, line_mitigation_soft_key, line_mitigation_refused,
-    line_mitigation_inactive, line_mitigation_timer,
-
-    line_low_power_supported,
-
-    line_automode_enabled, line_automode_fps_missing, line_automode_brightness_missing,
-    line_automode_freq_missing, line_automode_node_missing, line_automode_fps_type,
-    line_automode_brightness_type, line_automode_freq_type, line_automode_command,
-    line_automode_abnormal, line_automode_row_off, line_automode_node, line_automode_timer,
-
-    line_profile_library, line_profile_no_library, line_profile_no_function,
-    line_profile_not_closed, line_profile_category_listed, line_profile_app_listed,
-    line_profile_prop_listed, line_profile_app_memory, line_profile_prop_memory, line_profile_app,
-    line_profile_no_app, line_profile_prop, line_profile_cleared, line_profile_requests,
-    line_profile_request, line_profile_set, line_profile_clear, line_profile_lock_failed,
-    line_profile_hint_memory, line_profile_hint_failed, line_profile_hint_unknown,
-    line_profile_release_failed,
-
-    line_timer_requested, line_timer_extended, line_timer_ignored, line_timer_expired,
-    line_timer_all_released, line_timer_thread, line_timer_not_started, line_timer_memory,
-    line_timer_other_callback, line_timer_unknown,
-
-    line_brightness, line_rate_service_down, line_rate_service_refused,
-
-    line_analyser_no_library, line_analyser_thread, line_analyser_table_memory,
-    line_analyser_no_resources, line_analyser_level_memory, line_analyser_pilot_memory,
-    line_analyser_bucket_memory, line_analyser_data_memory, line_analyser_stats_memory,
-    line_analyser_failed, line_analyser_started, line_analyser_exited, line_analyser_thresholds,
-    line_analyser_locked, line_analyser_unlocked, line_analyser_suspended,
-    line_analyser_no_activity, line_analyser_resumed, line_activity_hash, line_activity_bad_hash,
-    line_activity_known, line_activity_new, line_activity_cleared,
-
-    line_interval_index, line_measure_keeps_caps, line_measure_too_slow, line_measure_too_few,
-    line_measure_rule, line_measure_heading, line_measure_bucket, line_measure_bounds,
-    line_measure_share, line_measure_complete, line_measure_again, line_measure_over,
-
-    line_scene_rule, line_scene_listed, line_scene_matched, line_scene_mean, line_scene_variance,
-    line_scene_removed, line_scene_none_to_remove, line_scene_memory,
-
-    line_active_no_activity, line_active_average_index, line_active_slow, line_active_jank,
-    line_active_jank_run, line_active_hits, line_active_janks, line_active_scene_changed,
-    line_active_too_low, line_active_too_often_low,
-
-    line_caps_memory, line_caps_config, line_caps_config_null, line_caps_config_bound,
-    line_caps_config_empty, line_caps_config_memory, line_caps_no_library, line_caps_unsupported,
-    line_caps_listed, line_caps_range, line_caps_resource, line_caps_level, line_caps_over_budget,
-    line_caps_highest, line_caps_lowest, line_caps_locked,
-
-    log_line_count
-};
+#define LOG_LINES(X) \
+    X(started) X(no_event_manager) X(no_fps_manager) X(no_merlak) X(no_ie_manager) \
+    X(no_clock_manager) X(no_server) X(no_kernel_monitor) X(no_activity_trigger) \
+    X(no_running_app) X(no_policy) X(no_profile_controller) X(no_thermal_control) X(no_osprin) \
+    X(no_automode) \
+ \
+    X(library_held) X(library_32) X(library_64) X(custom_library_32) X(custom_library_64) \
+    X(symbol_missing) X(file_not_written) \
+ \
+    X(callback_registered) X(event_raised) X(callback_runs) X(event_unknown) X(callback_memory) \
+    X(event_memory) X(event_trigger) \
+ \
+    X(client_registered) X(client_twice) X(client_memory) X(socket_failed) X(listen_failed) \
+    X(listener_thread) X(select_failed) X(receive_failed) X(client_unknown) X(powerhal_code) \
+    X(dgpc_code) X(tmr_code) X(mediahal_code) X(vrhal_code) \
+ \
+    X(monitor_thread) X(polling_failed) \
+ \
+    X(trigger_listed) X(trigger_memory) X(running_app_memory) X(app_in_front) X(window_in_front) \
+    X(trigger_left) X(running_app) \
+ \
+    X(policy_thread) X(acceptor_memory) X(policy_state) X(grant_held) \
+ \
+    X(requestor_listed) X(requestors_none) X(rate_grant) X(rate_applied) X(requestor_missing) \
+    X(game_optimizer) X(game_tuned) X(game_ofvalue) \
+ \
+    X(image_first) X(image_next) X(image_entry_memory) X(image_row_memory) X(image_grant) \
+    X(image_mode) X(image_no_engine) \
+ \
+    X(no_handle) X(thermal_unsupported) X(thermal_thread) X(thermal_check) X(thermal_not_bound) \
+    X(thermal_not_loaded) X(config_symbol) X(config_unbound) X(config_set) X(config_failed) \
+    X(config_stuck) \
+ \
+    X(mitigation_app_change) X(mitigation_soft_key) X(mitigation_refused) X(mitigation_inactive) \
+    X(mitigation_timer) \
+ \
+    X(low_power_supported) \
+ \
+    X(automode_enabled) X(automode_fps_missing) X(automode_brightness_missing) \
+    X(automode_freq_missing) X(automode_node_missing) X(automode_fps_type) \
+    X(automode_brightness_type) X(automode_freq_type) X(automode_command) X(automode_abnormal) \
+    X(automode_row_off) X(automode_node) X(automode_timer) \
+ \
+    X(profile_library) X(profile_no_library) X(profile_no_function) X(profile_not_closed) \
+    X(profile_category_listed) X(profile_app_listed) X(profile_prop_listed) \
+    X(profile_app_memory) X(profile_prop_memory) X(profile_app) X(profile_no_app) \
+    X(profile_prop) X(profile_cleared) X(profile_requests) X(profile_request) X(profile_set) \
+    X(profile_clear) X(profile_lock_failed) X(profile_hint_memory) X(profile_hint_failed) \
+    X(profile_hint_unknown) X(profile_release_failed) \
+ \
+    X(timer_requested) X(timer_extended) X(timer_ignored) X(timer_expired) X(timer_all_released) \
+    X(timer_thread) X(timer_not_started) X(timer_memory) X(timer_other_callback) \
+    X(timer_unknown) \
+ \
+    X(brightness) X(rate_service_down) X(rate_service_refused) \
+ \
+    X(analyser_no_library) X(analyser_thread) X(analyser_table_memory) X(analyser_no_resources) \
+    X(analyser_level_memory) X(analyser_pilot_memory) X(analyser_bucket_memory) \
+    X(analyser_data_memory) X(analyser_stats_memory) X(analyser_failed) X(analyser_started) \
+    X(analyser_exited) X(analyser_thresholds) X(analyser_locked) X(analyser_unlocked) \
+    X(analyser_suspended) X(analyser_no_activity) X(analyser_resumed) X(activity_hash) \
+    X(activity_bad_hash) X(activity_known) X(activity_new) X(activity_cleared) \
+ \
+    X(interval_index) X(measure_keeps_caps) X(measure_too_slow) X(measure_too_few) \
+    X(measure_rule) X(measure_heading) X(measure_bucket) X(measure_bounds) X(measure_share) \
+    X(measure_complete) X(measure_again) X(measure_over) \
+ \
+    X(scene_rule) X(scene_listed) X(scene_matched) X(scene_mean) X(scene_variance) \
+    X(scene_removed) X(scene_none_to_remove) X(scene_memory) \
+ \
+    X(active_no_activity) X(active_average_index) X(active_slow) X(active_jank) \
+    X(active_jank_run) X(active_hits) X(active_janks) X(active_scene_changed) X(active_too_low) \
+    X(active_too_often_low) \
+ \
+    X(caps_memory) X(caps_config) X(caps_config_null) X(caps_config_bound) X(caps_config_empty) \
+    X(caps_config_memory) X(caps_no_library) X(caps_unsupported) X(caps_listed) X(caps_range) \
+    X(caps_resource) X(caps_level) X(caps_over_budget) X(caps_highest) X(caps_lowest) \
+    X(caps_locked)
 // clang-format on
+
+enum class log_line {
+#define LOG_LINE_ID(name) name,
+    LOG_LINES(LOG_LINE_ID)
+#undef LOG_LINE_ID
+        count
+};
+
+// Its name in output for other programs.
+const char *log_line_word(log_line line);

@@ -18,29 +18,30 @@ struct subject_title {
 };
 
 constexpr subject_title titles[] = {
-    {subject_start, "Start-up"},
-    {subject_library, "Libraries of the vendor"},
-    {subject_event, "Events"},
-    {subject_client, "Clients"},
-    {subject_monitor, "Kernel event monitor"},
-    {subject_app, "What is in front"},
-    {subject_policy, "Policy and grants"},
-    {subject_rate, "Frame rate and game tuner"},
-    {subject_image, "Image engine"},
-    {subject_thermal, "Thermal configurations"},
-    {subject_mitigation, "Timed mitigation"},
-    {subject_low_power, "Low power mode"},
-    {subject_automode, "Automode"},
-    {subject_profile, "Performance profiles"},
-    {subject_timer, "Timers"},
-    {subject_service, "Other services"},
-    {subject_analyser, "Frame interval analysis: its life"},
-    {subject_measuring, "Frame interval analysis: measuring"},
-    {subject_scene, "Frame interval analysis: scenes"},
-    {subject_active, "Frame interval analysis: working the caps"},
-    {subject_caps, "Frequency caps"},
+    {log_subject::start, "Start-up"},
+    {log_subject::library, "Libraries of the vendor"},
+    {log_subject::event, "Events"},
+    {log_subject::client, "Clients"},
+    {log_subject::monitor, "Kernel event monitor"},
+    {log_subject::app, "What is in front"},
+    {log_subject::policy, "Policy and grants"},
+    {log_subject::rate, "Frame rate and game tuner"},
+    {log_subject::image, "Image engine"},
+    {log_subject::thermal, "Thermal configurations"},
+    {log_subject::mitigation, "Timed mitigation"},
+    {log_subject::low_power, "Low power mode"},
+    {log_subject::automode, "Automode"},
+    {log_subject::profile, "Performance profiles"},
+    {log_subject::timer, "Timers"},
+    {log_subject::service, "Other services"},
+    {log_subject::analyser, "Frame interval analysis: its life"},
+    {log_subject::measuring, "Frame interval analysis: measuring"},
+    {log_subject::scene, "Frame interval analysis: scenes"},
+    {log_subject::active, "Frame interval analysis: working the caps"},
+    {log_subject::caps, "Frequency caps"},
 };
-static_assert(titles[subject_caps].subject == subject_caps, "a title a subject, in its order");
+static_assert(titles[static_cast<size_t>(log_subject::caps)].subject == log_subject::caps,
+              "a title a subject, in its order");
 
 struct priority_words {
     log_priority priority;
@@ -48,13 +49,14 @@ struct priority_words {
 };
 
 constexpr priority_words priorities[] = {
-    {priority_error, "error"},
-    {priority_info, "info"},
-    {priority_debug_events, "debug 0"},
-    {priority_debug_powerhal, "debug 5"},
-    {priority_debug_features, "debug 7"},
+    {log_priority::error, "error"},
+    {log_priority::info, "info"},
+    {log_priority::debug_events, "debug 0"},
+    {log_priority::debug_powerhal, "debug 5"},
+    {log_priority::debug_features, "debug 7"},
 };
-static_assert(priorities[priority_debug_features].priority == priority_debug_features);
+static_assert(priorities[static_cast<size_t>(log_priority::debug_features)].priority ==
+              log_priority::debug_features);
 
 // A conversion of a pattern and the text before it.
 struct piece {
@@ -111,10 +113,12 @@ line_index build_index() {
             index.rows.push_back(&row);
             index.compiled.push_back(compile(row));
         }
-    std::stable_sort(index.compiled.begin(), index.compiled.end(),
-                     [](const compiled_row &a, const compiled_row &b) {
-                         return a.literal_length > b.literal_length;
-                     });
+    // Not the stable sort: it asks for memory that may be refused, as a simulated daemon's is.
+    std::sort(index.compiled.begin(), index.compiled.end(),
+              [](const compiled_row &a, const compiled_row &b) {
+                  return a.literal_length != b.literal_length ? a.literal_length > b.literal_length
+                                                              : a.row->id < b.row->id;
+              });
     for (const compiled_row &row : index.compiled)
         for (size_t first = 0; first < index.by_first.size(); ++first)
             if (may_begin_with(row, static_cast<char>(first)))
@@ -183,7 +187,7 @@ std::string_view choose_word(std::string_view words, const std::string &value) {
 }  // namespace
 
 const log_row &log_row_of(log_line id) {
-    return *the_index().rows[id];
+    return *the_index().rows[static_cast<size_t>(id)];
 }
 
 log_match log_line_match(const std::string &text) {
@@ -199,14 +203,14 @@ log_match log_line_match(const std::string &text) {
     return {};
 }
 
-std::string log_line_sentence(const log_match &match) {
+std::string log_line_sentence(const log_row &row, const std::vector<std::string> &values) {
     std::string sentence;
-    if (match.row == nullptr || match.row->sentence == nullptr)
+    if (row.sentence == nullptr)
         return sentence;
-    std::string_view rest = match.row->sentence;
+    std::string_view rest = row.sentence;
     for (size_t open; (open = rest.find('{')) != std::string_view::npos;) {
         const size_t close = rest.find('}', open);
-        const std::string &value = match.values[static_cast<size_t>(rest[open + 1] - '1')];
+        const std::string &value = values[static_cast<size_t>(rest[open + 1] - '1')];
         const std::string_view words = rest.substr(open + 2, close - open - 2);
         sentence += rest.substr(0, open);
         if (!words.empty())
@@ -218,10 +222,24 @@ std::string log_line_sentence(const log_match &match) {
     return sentence.append(rest);
 }
 
+std::string log_line_text(log_line id, uint32_t number) {
+    const compiled_row row = compile(log_row_of(id));
+    return row.pieces[0].literal + std::to_string(number) + row.tail;
+}
+
+const char *log_line_word(log_line line) {
+    constexpr const char *words[] = {
+#define LOG_LINE_WORD(name) #name,
+        LOG_LINES(LOG_LINE_WORD)
+#undef LOG_LINE_WORD
+    };
+    return words[static_cast<size_t>(line)];
+}
+
 const char *log_subject_title(log_subject subject) {
-    return titles[subject].title;
+    return titles[static_cast<size_t>(subject)].title;
 }
 
 const char *log_priority_words(log_priority priority) {
-    return priorities[priority].words;
+    return priorities[static_cast<size_t>(priority)].words;
 }

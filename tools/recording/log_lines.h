@@ -5,44 +5,45 @@
 // Constant data, but for an index that the first match builds. Any thread may call.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "tools/recording/ids.h"
 
 // What a line is about, in the order of the daemon's life.
-enum log_subject {
-    subject_start,
-    subject_library,
-    subject_event,
-    subject_client,
-    subject_monitor,
-    subject_app,
-    subject_policy,
-    subject_rate,
-    subject_image,
-    subject_thermal,
-    subject_mitigation,
-    subject_low_power,
-    subject_automode,
-    subject_profile,
-    subject_timer,
-    subject_service,
-    subject_analyser,
-    subject_measuring,
-    subject_scene,
-    subject_active,
-    subject_caps,
+enum class log_subject {
+    start,
+    library,
+    event,
+    client,
+    monitor,
+    app,
+    policy,
+    rate,
+    image,
+    thermal,
+    mitigation,
+    low_power,
+    automode,
+    profile,
+    timer,
+    service,
+    analyser,
+    measuring,
+    scene,
+    active,
+    caps,
 };
 
 // When a line is written: always, as an error or as information, or while its debug group is open
 // (core/debug_gate.h), as information.
-enum log_priority {
-    priority_error,
-    priority_info,
-    priority_debug_events,
-    priority_debug_powerhal,
-    priority_debug_features,
+enum class log_priority {
+    error,
+    info,
+    debug_events,
+    debug_powerhal,
+    debug_features,
 };
 
 struct log_row {
@@ -67,10 +68,13 @@ const log_row &log_row_of(log_line id);
 // several patterns that fit, the one with the longest text of its own counts.
 log_match log_line_match(const std::string &text);
 
-// What a line says of the daemon's decisions, in words; empty for book-keeping and for no line.
+// What a line says of the daemon's decisions, in words; empty for book-keeping.
 // In a row's sentence {N} stands for the value N, counted from 1, or "(empty)", and {N|a|b|c} for
 // words chosen by it: a for 0, b for 1, the last for every other value.
-std::string log_line_sentence(const log_match &match);
+std::string log_line_sentence(const log_row &row, const std::vector<std::string> &values);
+
+// The text of a line that has one number, without a newline at its end.
+std::string log_line_text(log_line id, uint32_t number);
 
 // Headings of docs/log.md: what a subject is called, and how a priority is written there.
 const char *log_subject_title(log_subject subject);

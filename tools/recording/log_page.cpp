@@ -33,7 +33,7 @@ std::string escape(const char *pattern) {
 
 int main() {
     printf("%s", introduction);
-    for (int id = 0; id < log_line_count; ++id) {
+    for (int id = 0; id < static_cast<int>(log_line::count); ++id) {
         const log_row &row = log_row_of(static_cast<log_line>(id));
         if (id == 0 || log_row_of(static_cast<log_line>(id - 1)).subject != row.subject)
             printf("\n## %s\n\n| line | priority | meaning |\n|---|---|---|\n",

@@ -9,6 +9,7 @@
 #include <iterator>
 
 #include "core/log.h"
+#include "tools/base/clock.h"
 
 namespace {
 
@@ -132,6 +133,13 @@ bool logcat_read(const std::string &line, int64_t now_ns, logcat_line *read) {
     return true;
 }
 
+record logcat_record(const logcat_line &line) {
+    record made = make_log_record(line.time_ns, line.text);
+    made.thread = line.thread;
+    made.priority = line.priority;
+    return made;
+}
+
 bool logcat_is_daemon(const logcat_line &line) {
     return std::any_of(std::begin(daemon_tags), std::end(daemon_tags),
                        [&](const char *tag) { return line.tag == tag; });
@@ -146,4 +154,17 @@ bool logcat_take(logcat_log *log, const std::string &line, int64_t now_ns, logca
     if (!remark.empty())
         log->remarks.push_back(remark);
     return true;
+}
+
+void logcat_read_text(logcat_log *log, std::string_view text,
+                      const std::function<void(record line)> &take) {
+    constexpr size_t line_max = size_t{1} << 16;
+    for (size_t at = 0; at < text.size();) {
+        const size_t end = std::min(text.find('\n', at), text.size());
+        const size_t length = end - at < line_max ? end - at : 0;  // no line of the daemon's
+        logcat_line line;
+        if (logcat_take(log, std::string(text.substr(at, length)), wall_ns(), &line))
+            take(logcat_record(line));
+        at = end + 1;
+    }
 }

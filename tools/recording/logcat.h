@@ -3,8 +3,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "tools/recording/record.h"
 
 struct logcat_line {
     int64_t time_ns = 0;  // of the wall clock
@@ -41,6 +45,14 @@ struct logcat_log {
 // it never runs back, and a change of the clock takes no time and is remarked. `now_ns` as of
 // logcat_read.
 bool logcat_take(logcat_log *log, const std::string &line, int64_t now_ns, logcat_line *read);
+
+// Reads a whole log; each line of the daemon's goes to `take` as a record, without text where it
+// only says how an event travels.
+void logcat_read_text(logcat_log *log, std::string_view text,
+                      const std::function<void(record line)> &take);
+
+// The record in a line.
+record logcat_record(const logcat_line &line);
 
 // Whether the daemon writes under this tag.
 bool logcat_is_daemon(const logcat_line &line);

@@ -26,5 +26,4 @@ dvx_message make_text_message(const char *client, int32_t code, const std::strin
 dvx_message make_word_message(const message_word &word, const payload_words &given);
 
 // A message in the words that would send it, with its numbers behind: "browser on  (powerhal 1 1)".
-// `is_text` says how the payload of one without words of its own is to be read.
-std::string describe_message(const dvx_message &message, bool is_text);
+std::string describe_message(const dvx_message &message);

@@ -1,107 +1,85 @@
 #include "tools/recording/payloads.h"
 
 #include <stdlib.h>
+#include <string.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <map>
+#include <charconv>
 
 namespace {
 
 constexpr int32_t fps_highest = 240;
 constexpr size_t text_max = DVX_PAYLOAD_SIZE - 1;
 
-using words_by_number = std::map<std::string, int32_t>;
-
-const words_by_number automode_words = {
+constexpr number_word automode_words[] = {
     {"off", 0}, {"on", 1}, {"touch", 2}, {"resume", 3}, {"exit", 4}};
+constexpr number_word lpm_words[] = {{"off", 0}};
+
+constexpr payload_parameter state_parameter = {
+    .name = "STATE", .help = "on or off", .flag = &payload_words::on, .required = true};
+
+constexpr payload_parameter state_parameters[] = {state_parameter};
+constexpr payload_parameter number_parameters[] = {
+    {.name = "N", .help = "The number", .number = &payload_words::number, .required = true}};
+constexpr payload_parameter duration_parameters[] = {{.name = "MS",
+                                                      .help = "Milliseconds, 1 or more",
+                                                      .number = &payload_words::number,
+                                                      .required = true,
+                                                      .least = 1}};
+constexpr payload_parameter text_parameters[] = {{.name = "NAME",
+                                                  .help = "The name, at most 255 characters",
+                                                  .text = &payload_words::text,
+                                                  .required = true,
+                                                  .longest = text_max}};
+constexpr payload_parameter game_parameters[] = {
+    state_parameter,
+    {.name = "--fps",
+     .help = "Frame rate of the game tuner, 1 to 240",
+     .number = &payload_words::fps,
+     .least = 1,
+     .most = fps_highest},
+    {.name = "--tuner",
+     .help = "Game-tuner mode; 1: under the tuner",
+     .number = &payload_words::tuner},
+    {.name = "--ofvalue", .help = "Of-value", .number = &payload_words::ofvalue}};
+constexpr payload_parameter home_parameters[] = {
+    {.name = "STATE",
+     .help = "0 left, 1 shown, 2 with live wallpaper",
+     .number = &payload_words::number,
+     .required = true,
+     .least = 0,
+     .most = 2},
+    {.name = "NAME",
+     .help = "The home activity, at most 253 characters",
+     .text = &payload_words::text,
+     .longest = text_max - sizeof("0")}};
+constexpr payload_parameter automode_parameters[] = {
+    {.name = "COMMAND",
+     .help = "off, on, touch, resume, exit or a number",
+     .number = &payload_words::number,
+     .required = true,
+     .words = automode_words}};
+constexpr payload_parameter lpm_parameters[] = {
+    {.name = "LEVEL",
+     .help = "off, 1 or 2 (extreme)",
+     .number = &payload_words::number,
+     .required = true,
+     .least = 0,
+     .most = 2,
+     .words = lpm_words},
+    {.name = "--cap", .help = "Cap the frame rate at 30 (level 2)", .flag = &payload_words::cap}};
 
 struct payload_row {
     payload_kind kind;
-    void (*add_options)(CLI::App *command, payload_words *given);
+    std::span<const payload_parameter> parameters;
     void (*write)(const payload_words &given, dvx_message *message);
     void (*read)(const dvx_message &message, payload_words *given);
     std::string (*say)(const payload_words &given);
 };
 
-// Turns one of the words into its number; any other text stays.
-CLI::Validator word_to_number(const words_by_number &words) {
-    return CLI::Validator(
-        [words](std::string &text) -> std::string {
-            const auto word = words.find(text);
-            if (word != words.end())
-                text = std::to_string(word->second);
-            return {};
-        },
-        "");
-}
-
-// Turns "on" and "off" into what a flag's value is; CLI11 would take "yes" and "1" as well.
-CLI::Option *add_state(CLI::App *command, payload_words *given) {
-    return command
-        ->add_option_function<std::string>(
-            "STATE", [given](const std::string &state) { given->on = state == "on"; }, "on or off")
-        ->required()
-        ->check(CLI::IsMember({"on", "off"}));
-}
-
-void add_none(CLI::App *, payload_words *) {}
-
-void add_switch(CLI::App *command, payload_words *given) {
-    add_state(command, given);
-}
-
-void add_number(CLI::App *command, payload_words *given) {
-    command->add_option("N", given->number, "The number")->required();
-}
-
-void add_duration(CLI::App *command, payload_words *given) {
-    command->add_option("MS", given->number, "Milliseconds, 1 or more")
-        ->required()
-        ->check(CLI::Range(1, INT32_MAX));
-}
-
-void add_text(CLI::App *command, payload_words *given) {
-    command->add_option("NAME", given->text, "The name, at most 255 characters")
-        ->required()
-        ->check(at_most(text_max));
-}
-
-void add_game(CLI::App *command, payload_words *given) {
-    add_state(command, given);
-    command->add_option("--fps", given->fps, "Frame rate of the game tuner, 1 to 240")
-        ->check(CLI::Range(1, fps_highest))
-        ->capture_default_str();
-    command->add_option("--tuner", given->tuner, "Game-tuner mode; 1: under the tuner")
-        ->capture_default_str();
-    command->add_option("--ofvalue", given->ofvalue, "Of-value")->capture_default_str();
-}
-
-void add_home(CLI::App *command, payload_words *given) {
-    command->add_option("STATE", given->number, "0 left, 1 shown, 2 with live wallpaper")
-        ->required()
-        ->check(CLI::Range(0, 2));
-    command->add_option("NAME", given->text, "The home activity, at most 253 characters")
-        ->check(at_most(text_max - sizeof("0")));
-}
-
-void add_automode(CLI::App *command, payload_words *given) {
-    command->add_option("COMMAND", given->number, "off, on, touch, resume, exit or a number")
-        ->required()
-        ->transform(word_to_number(automode_words));
-}
-
-void add_lpm(CLI::App *command, payload_words *given) {
-    command->add_option("LEVEL", given->number, "off, 1 or 2 (extreme)")
-        ->required()
-        ->transform(word_to_number({{"off", 0}}))
-        ->check(CLI::Range(0, 2));
-    command->add_flag("--cap", given->cap, "Cap the frame rate at 30 (level 2)");
-}
-
 void write_none(const payload_words &, dvx_message *) {}
 
-void write_switch(const payload_words &given, dvx_message *message) {
+void write_state(const payload_words &given, dvx_message *message) {
     message->payload.values[0] = given.on ? 1 : 0;
 }
 
@@ -139,7 +117,7 @@ std::string text_of(const dvx_message &message) {
 
 void read_none(const dvx_message &, payload_words *) {}
 
-void read_switch(const dvx_message &message, payload_words *given) {
+void read_state(const dvx_message &message, payload_words *given) {
     given->on = message.payload.values[0] != 0;
 }
 
@@ -175,7 +153,7 @@ std::string say_none(const payload_words &) {
     return {};
 }
 
-std::string say_switch(const payload_words &given) {
+std::string say_state(const payload_words &given) {
     return given.on ? " on" : " off";
 }
 
@@ -194,7 +172,7 @@ std::string say_option(const char *option, int32_t value, int32_t usual) {
 
 std::string say_game(const payload_words &given) {
     const payload_words usual;
-    return say_switch(given) + say_option(" --fps ", given.fps, usual.fps) +
+    return say_state(given) + say_option(" --fps ", given.fps, usual.fps) +
            say_option(" --tuner ", given.tuner, usual.tuner) +
            say_option(" --ofvalue ", given.ofvalue, usual.ofvalue);
 }
@@ -204,9 +182,9 @@ std::string say_home(const payload_words &given) {
 }
 
 std::string say_automode(const payload_words &given) {
-    for (const auto &[word, number] : automode_words)
-        if (number == given.number)
-            return " " + word;
+    for (const number_word &row : automode_words)
+        if (row.number == given.number)
+            return std::string(" ") + row.word;
     return say_number(given);
 }
 
@@ -215,61 +193,117 @@ std::string say_lpm(const payload_words &given) {
 }
 
 constexpr payload_row rows[] = {
-    {payload_none, add_none, write_none, read_none, say_none},
-    {payload_switch, add_switch, write_switch, read_switch, say_switch},
-    {payload_number, add_number, write_number, read_number, say_number},
-    {payload_duration, add_duration, write_number, read_number, say_number},
-    {payload_text, add_text, write_text, read_text, say_text},
-    {payload_game, add_game, write_game, read_game, say_game},
-    {payload_home, add_home, write_home, read_home, say_home},
-    {payload_automode, add_automode, write_number, read_number, say_automode},
-    {payload_lpm, add_lpm, write_lpm, read_lpm, say_lpm},
+    {payload_kind::none, {}, write_none, read_none, say_none},
+    {payload_kind::state, state_parameters, write_state, read_state, say_state},
+    {payload_kind::number, number_parameters, write_number, read_number, say_number},
+    {payload_kind::duration, duration_parameters, write_number, read_number, say_number},
+    {payload_kind::text, text_parameters, write_text, read_text, say_text},
+    {payload_kind::game, game_parameters, write_game, read_game, say_game},
+    {payload_kind::home, home_parameters, write_home, read_home, say_home},
+    {payload_kind::automode, automode_parameters, write_number, read_number, say_automode},
+    {payload_kind::lpm, lpm_parameters, write_lpm, read_lpm, say_lpm},
 };
-static_assert(rows[payload_lpm].kind == payload_lpm, "a kind is its own row");
+
+const payload_row &row_of(payload_kind kind) {
+    return rows[static_cast<size_t>(kind)];
+}
+static_assert(rows[static_cast<size_t>(payload_kind::lpm)].kind == payload_kind::lpm,
+              "a kind is its own row");
+
+std::string take_state(const payload_parameter &parameter, const std::string &word,
+                       payload_words *given) {
+    given->*parameter.flag = word == "on";
+    if (word == "on" || word == "off")
+        return {};
+    return std::string(parameter.name) + ": " + word + " not in {on,off}";
+}
+
+std::string take_number(const payload_parameter &parameter, const std::string &word,
+                        payload_words *given) {
+    int32_t &number = given->*parameter.number;
+    for (const number_word &row : parameter.words)
+        if (word == row.word) {
+            number = row.number;
+            return {};
+        }
+    const char *end = word.data() + word.size();
+    const auto [rest, error] = std::from_chars(word.data(), end, number);
+    if (error != std::errc() || rest != end)
+        return std::string(parameter.name) + ": " + word + " is no number of 32 bits";
+    if (number >= parameter.least && number <= parameter.most)
+        return {};
+    return std::string(parameter.name) + ": Value " + word + " not in range " +
+           std::to_string(parameter.least) + " to " + std::to_string(parameter.most);
+}
+
+std::string take_text(const payload_parameter &parameter, const std::string &word,
+                      payload_words *given) {
+    given->*parameter.text = word;
+    if (word.size() <= parameter.longest)
+        return {};
+    return std::string(parameter.name) + ": '" + word + "' has more than " +
+           std::to_string(parameter.longest) + " characters";
+}
+
+std::string take_word(const payload_parameter &parameter, const std::string &word,
+                      payload_words *given) {
+    if (parameter.flag != nullptr)
+        return take_state(parameter, word, given);
+    return parameter.number != nullptr ? take_number(parameter, word, given)
+                                       : take_text(parameter, word, given);
+}
 
 }  // namespace
 
-CLI::Validator at_most(size_t characters) {
-    return CLI::Validator(
-        [characters](std::string &text) -> std::string {
-            if (text.size() <= characters)
-                return {};
-            return "'" + text + "' has more than " + std::to_string(characters) + " characters";
-        },
-        "");
+bool payload_is_option(const payload_parameter &parameter) {
+    return strncmp(parameter.name, "--", 2) == 0;
 }
 
-void payload_add_options(payload_kind kind, CLI::App *command, payload_words *given) {
-    rows[kind].add_options(command, given);
+std::span<const payload_parameter> payload_parameters(payload_kind kind) {
+    return row_of(kind).parameters;
 }
 
-std::string payload_take(payload_kind kind, std::vector<std::string> words, payload_words *given) {
-    CLI::App command;
-    command.set_help_flag();
-    payload_add_options(kind, &command, given);
-    std::reverse(words.begin(), words.end());  // as the library takes them
-    try {
-        command.parse(words);
-    } catch (const CLI::ParseError &error) {
-        return error.what();
+std::string payload_take(payload_kind kind, const std::vector<std::string> &words,
+                         payload_words *given) {
+    const std::span<const payload_parameter> parameters = payload_parameters(kind);
+    std::string wrong;
+    auto place = parameters.begin();  // of the next word without a name
+    for (size_t at = 0; at < words.size() && wrong.empty(); ++at) {
+        const std::string &word = words[at];
+        const auto option = std::find_if(
+            parameters.begin(), parameters.end(),
+            [&](const auto &each) { return payload_is_option(each) && word == each.name; });
+        place = std::find_if_not(place, parameters.end(), payload_is_option);
+        if (option != parameters.end() && option->flag != nullptr)
+            given->*option->flag = true;
+        else if (option != parameters.end())
+            wrong = at + 1 < words.size() ? take_word(*option, words[++at], given)
+                                          : word + " wants a value";
+        else if (place != parameters.end())
+            wrong = take_word(*place++, word, given);
+        else
+            wrong = "unknown word '" + word + "'";
     }
-    return {};
+    for (; place != parameters.end() && wrong.empty(); ++place)
+        if (place->required)
+            wrong = std::string(place->name) + " is required";
+    return wrong;
 }
 
 bool payload_is_text(payload_kind kind) {
-    return kind == payload_text || kind == payload_home;
+    return kind == payload_kind::text || kind == payload_kind::home;
 }
 
 void payload_write(payload_kind kind, const payload_words &given, dvx_message *message) {
-    rows[kind].write(given, message);
+    row_of(kind).write(given, message);
 }
 
 payload_words payload_read(payload_kind kind, const dvx_message &message) {
     payload_words given;
-    rows[kind].read(message, &given);
+    row_of(kind).read(message, &given);
     return given;
 }
 
 std::string payload_say(payload_kind kind, const payload_words &given) {
-    return rows[kind].say(given);
+    return row_of(kind).say(given);
 }

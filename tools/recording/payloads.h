@@ -1,26 +1,27 @@
-// What a message's payload can be: one row a kind says how its words stand on a command line, how
-// they become a message and how a message becomes them again.
+// What a message's payload can be: one row a kind says which words stand for it, how they become a
+// message and how a message becomes them again.
 #pragma once
 
+#include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "client/dvx_client.h"
-#include "tools/base/cli_fwd.h"
 
-enum payload_kind {
-    payload_none,
-    payload_switch,    // on or off
-    payload_number,    // any number
-    payload_duration,  // milliseconds, above 0
-    payload_text,
-    payload_game,      // on or off, with frame rate, tuner mode and of-value
-    payload_home,      // state and name
-    payload_automode,  // a command
-    payload_lpm,       // a level, with a cap
+enum class payload_kind {
+    none,
+    state,     // on or off
+    number,    // any number
+    duration,  // milliseconds, above 0
+    text,
+    game,      // on or off, with frame rate, tuner mode and of-value
+    home,      // state and name
+    automode,  // a command
+    lpm,       // a level, with a cap
 };
 
-// What the words of a command line say. Every kind uses its own.
+// What the words say. Every kind uses its own.
 struct payload_words {
     bool on = false;
     int32_t number = 0;
@@ -31,14 +32,33 @@ struct payload_words {
     std::string text;
 };
 
-// Refuses a text of more characters.
-CLI::Validator at_most(size_t characters);
+struct number_word {
+    const char *word;
+    int32_t number;
+};
 
-// Adds the kind's words to a command; they are stored in `given`, which outlives the parsing.
-void payload_add_options(payload_kind kind, CLI::App *command, payload_words *given);
+// One of a kind's words: where it stands or which option it is, and what it may be. What it sets is
+// the field that is not null.
+struct payload_parameter {
+    const char *name;  // "STATE" by its place, "--fps" by its name
+    const char *help;
+    bool payload_words::*flag = nullptr;  // a state where it has a place, else there or not
+    int32_t payload_words::*number = nullptr;
+    std::string payload_words::*text = nullptr;
+    bool required = false;
+    int32_t least = INT32_MIN;                // of the number
+    int32_t most = INT32_MAX;                 // likewise
+    std::span<const number_word> words = {};  // that stand for numbers
+    size_t longest = 0;                       // characters of the text
+};
 
-// Takes the kind's words without a command line. What is wrong with them, or an empty text.
-std::string payload_take(payload_kind kind, std::vector<std::string> words, payload_words *given);
+bool payload_is_option(const payload_parameter &parameter);
+
+std::span<const payload_parameter> payload_parameters(payload_kind kind);
+
+// Takes the kind's words. What is wrong with them, or an empty text.
+std::string payload_take(payload_kind kind, const std::vector<std::string> &words,
+                         payload_words *given);
 
 // Whether the kind's payload is a text.
 bool payload_is_text(payload_kind kind);

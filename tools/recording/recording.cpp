@@ -1,5 +1,6 @@
 #include "tools/recording/recording.h"
 
+#include <stdlib.h>
 #include <string.h>
 
 #include <algorithm>
@@ -9,7 +10,6 @@
 
 #include "device/service_words.h"
 #include "platform/host/json_text.h"
-#include "platform/host/recording.h"
 #include "tools/base/json.h"
 #include "tools/recording/messages.h"
 
@@ -21,9 +21,10 @@ constexpr size_t line_max = size_t{1} << 20;
 constexpr int64_t time_max_ns = INT64_MAX / 2;  // differences of two stay in 64 bits
 constexpr int64_t length_max_ns = int64_t{366} * 24 * 3600 * 1000000000;
 
-const std::map<std::string, recorded_answer_kind> answer_words = {
-    {"clock", answer_clock},     {"prop", answer_property},   {"answer", answer_library},
-    {"missing", answer_missing}, {"connect", answer_connect}, {"send", answer_sent},
+const std::map<std::string, answer_kind> answer_words = {
+    {"clock", answer_kind::clock},     {"prop", answer_kind::property},
+    {"answer", answer_kind::library},  {"missing", answer_kind::missing},
+    {"connect", answer_kind::connect}, {"send", answer_kind::sent},
 };
 
 std::string text_of(const json &value) {
@@ -31,18 +32,18 @@ std::string text_of(const json &value) {
 }
 
 // [QUESTION, KIND, ...]: the last elements are a name, a value, a number, as the kind has them.
-recorded_answer read_answer(const json &given) {
-    recorded_answer answer;
+platform_answer read_answer(const json &given) {
+    platform_answer answer;
     answer.question = json_integer<int>(given.at(0));
     answer.kind = answer_words.at(given.at(1).get<std::string>());
     const json &last = given.back();
-    if (given.size() > 3 || answer.kind == answer_missing)
+    if (given.size() > 3 || answer.kind == answer_kind::missing)
         answer.name = text_of(given.at(2));
     if (last.is_number())
         answer.number = json_integer<int64_t>(last);
     else if (last.is_string() && given.size() > 3)
         answer.value = text_of(last);
-    if (answer.kind == answer_library)
+    if (answer.kind == answer_kind::library)
         answer.number = last.is_null() ? 0 : 1;
     return answer;
 }
@@ -54,40 +55,35 @@ std::vector<int32_t> values_of(const json &list) {
     return values;
 }
 
-void read_message(const json &line, recording_line *read) {
+dvx_message read_message(const json &line) {
     const std::string client = text_of(line.at("client"));
     const int32_t code = json_integer<int32_t>(line.at("code"));
-    read->is_text = line.contains("text");
-    read->what.message = read->is_text
-                             ? make_text_message(client.c_str(), code, text_of(line.at("text")))
-                             : make_message(client.c_str(), code, values_of(line.at("values")));
+    return line.contains("text") ? make_text_message(client.c_str(), code, text_of(line.at("text")))
+                                 : make_message(client.c_str(), code, values_of(line.at("values")));
 }
 
-recorded_kind kind_of(const std::string &word) {
+happening_kind kind_of(const std::string &word) {
     for (int kind = 0; kind < recorded_kinds; ++kind)
         if (word == recorded_words[kind].word)
-            return static_cast<recorded_kind>(kind);
+            return static_cast<happening_kind>(kind);
     throw std::out_of_range(word);
 }
 
 void read_happening_line(const json &line, recording_line *read) {
-    read->kind = recording_happening;
-    read->what = {};
-    read->what.kind = kind_of(line.at("in").get<std::string>());
-    read->what.time_ns = read->time_ns;
-    if (read->what.kind == recorded_message)
-        read_message(line, read);
+    happening taken;
+    read->is_happening = true;
+    taken.kind = kind_of(line.at("in").get<std::string>());
+    taken.time_ns = read->time_ns;
+    if (taken.kind == happening_kind::message)
+        taken.message = std::make_shared<const dvx_message>(read_message(line));
     if (line.contains("report"))
-        read->what.report = text_of(line.at("report"));
-    if (line.contains("us")) {
-        read->interval_us = json_integer<int32_t>(line.at("us"));
-        read->what.report = std::to_string(read->interval_us) + "\n";
-    }
+        taken.value = text_of(line.at("report"));
+    if (line.contains("us"))
+        taken.interval_us = json_integer<int32_t>(line.at("us"));
     if (line.contains("given"))
         for (const json &given : line.at("given"))
-            read->what.answers.push_back(read_answer(given));
-    if (line.contains("us") && read->what.answers.empty())
-        read->kind = recording_interval;
+            taken.answers.push_back(read_answer(given));
+    read->taken = std::move(taken);
 }
 
 // A message to another service: who it is for, and what it says.
@@ -106,25 +102,25 @@ std::string describe_sent(const std::string &socket, const std::string &hex) {
 }
 
 void read_output_line(const json &line, recording_line *read) {
-    read->kind = recording_output;
+    read->is_happening = false;
     read->aside = line.value("aside", false);
-    read->came = {read->time_ns, timeline_note, 0, "", "", 0};
     if (line.contains("log")) {
-        read->came = make_log_entry(read->time_ns, text_of(line.at("log")));
+        read->came = make_log_record(read->time_ns, text_of(line.at("log")));
         read->came.priority = json_integer<int>(line.value("priority", json(0)));
     } else if (line.contains("hw")) {
-        read->came.kind = timeline_hardware;
-        read->came.text = text_of(line.at("hw"));
+        read->came = make_call_record(read->time_ns, text_of(line.at("hw")));
     } else if (line.contains("prop")) {
-        read->came.kind = timeline_property;
-        read->came.text = text_of(line.at("prop"));
+        read->came = make_property_record(read->time_ns, text_of(line.at("prop")));
     } else if (line.contains("said")) {
-        read->came.kind = timeline_service;
-        read->came.text = text_of(line.at("said"));
+        read->came = make_service_record(read->time_ns, text_of(line.at("said")));
     } else if (line.contains("service")) {
-        read->came.kind = timeline_service;
-        read->came.text =
-            describe_sent(text_of(line.at("service")), line.value("bytes", std::string()));
+        read->came = make_service_record(
+            read->time_ns,
+            describe_sent(text_of(line.at("service")), line.value("bytes", std::string())));
+    } else {
+        read->came = {};
+        read->came.kind = record_kind::note;
+        read->came.time_ns = read->time_ns;
     }
     read->came.thread_name = text_of(line.value("thread", json("")));
 }
@@ -140,9 +136,8 @@ void read_header_fields(const json &line, recording_header *header) {
     header->root = line.value("root", "");
     header->taken = line.value("order", "") == "taken";
     header->since_ns = time_of(line, "since");
-    const int64_t wall_ns = time_of(line, "wall_ns");
-    const int64_t ahead_ns = wall_ns - time_of(line, "t");
-    header->wall_ns = wall_ns != 0 && std::abs(ahead_ns) <= time_max_ns ? ahead_ns : 0;
+    header->time_ns = time_of(line, "t");
+    header->wall_ns = time_of(line, "wall_ns");
     const auto read_map = [&](const char *key, std::map<std::string, std::string> *into) {
         const json map = line.value(key, json::object());
         for (const auto &[name, value] : map.items())
@@ -181,7 +176,7 @@ bool take_line(recording *file, std::string_view *line) {
 }
 
 // An interval as the daemon notes it, letter for letter: nearly every line is one.
-bool scan_interval(std::string_view line, recording_line *read) {
+bool scan_interval(std::string_view line, recording_line *read, int32_t *interval_us) {
     constexpr std::string_view head = "{\"t\":";
     constexpr std::string_view middle =
         ",\"thread\":\"kevent_monitor\",\"in\":\"interval\",\"us\":";
@@ -195,7 +190,7 @@ bool scan_interval(std::string_view line, recording_line *read) {
         !rest.starts_with(middle))
         return false;
     const auto [value_end, value_error] =
-        std::from_chars(rest.data() + middle.size(), end, read->interval_us);
+        std::from_chars(rest.data() + middle.size(), end, *interval_us);
     return value_error == std::errc() && end - value_end == 1 && *value_end == '}';
 }
 
@@ -238,10 +233,22 @@ std::string recording_read_header(std::string_view line, recording_header *heade
     return {};
 }
 
+int64_t recording_wall_ahead_ns(const recording_header &header) {
+    const int64_t ahead_ns = header.wall_ns - header.time_ns;
+    return header.wall_ns != 0 && std::abs(ahead_ns) <= time_max_ns ? ahead_ns : 0;
+}
+
 bool recording_read_line(std::string_view line, recording_line *read) {
     read->aside = false;
-    if (scan_interval(line, read)) {
-        read->kind = recording_interval;
+    int32_t interval_us;
+    if (scan_interval(line, read, &interval_us)) {
+        read->is_happening = true;
+        read->taken.kind = happening_kind::interval;
+        read->taken.time_ns = read->time_ns;
+        read->taken.interval_us = interval_us;
+        read->taken.value.clear();
+        read->taken.message = nullptr;
+        read->taken.answers.clear();
         return true;
     }
     try {
@@ -259,6 +266,26 @@ bool recording_read_line(std::string_view line, recording_line *read) {
     return true;
 }
 
+void recording_follow_answers(recording *file, recording_line *line) {
+    for (const platform_answer &answer : line->taken.answers) {
+        if (!line->is_happening || answer.kind != answer_kind::library)
+            continue;
+        if (answer.number != 0)
+            file->answers[answer.name] = answer.value;
+        else
+            file->answers.erase(answer.name);
+    }
+    if (line->is_happening || line->came.kind != record_kind::call || !file->header.taken)
+        return;
+    // As the stand-in libraries look for their answer: 0 where the device's file has none.
+    const record &call = line->came;
+    const std::string first = call.values.empty() ? "" : call.values[0];
+    auto found = file->answers.find(call.name + "." + first);
+    if (found == file->answers.end())
+        found = file->answers.find(call.name);
+    line->came.answer = found != file->answers.end() ? atoi(found->second.c_str()) : 0;
+}
+
 bool recording_next(recording *file, recording_line *read) {
     std::string_view line;
     if (!file->error.empty() || !take_line(file, &line))
@@ -266,14 +293,42 @@ bool recording_next(recording *file, recording_line *read) {
     read->number = file->line;
     if (!recording_read_line(line, read))
         return fail(file, "is no line of a recording");
-    if (!std::exchange(file->begun, true))
+    if (!std::exchange(file->begun, true)) {
         file->first_ns = read->time_ns;
+        file->answers = file->header.answers;
+    }
     if (std::abs(read->time_ns - file->first_ns) > length_max_ns)
         return fail(file, "is more than a year from the first one");
-    if (read->kind == recording_output)
+    recording_follow_answers(file, read);
+    if (!read->is_happening)
         return true;
     if (read->time_ns < file->last_ns)
         return fail(file, "time runs backwards");
     file->last_ns = read->time_ns;
     return true;
+}
+
+std::string recording_line_of(const happening &taken) {
+    const std::string report =
+        taken.interval_us ? std::to_string(*taken.interval_us) + "\n" : taken.value;
+    const bool reports =
+        taken.kind == happening_kind::interval || taken.kind == happening_kind::panel;
+    return recording_happening_line(taken.time_ns, static_cast<recorded_kind>(taken.kind),
+                                    taken.message != nullptr ? taken.message.get()
+                                    : reports ? static_cast<const void *>(report.c_str())
+                                              : nullptr);
+}
+
+std::string recording_line_of(const record &came, int64_t time_ns) {
+    constexpr const char *keys[] = {nullptr, "log", "log", "hw", "said", "prop", nullptr, nullptr};
+    const char *key = keys[static_cast<size_t>(came.kind)];
+    if (key == nullptr)
+        return {};
+    const std::string thread = record_thread(came);
+    if (came.kind == record_kind::event)
+        return recording_output_line(time_ns, thread.c_str(), key,
+                                     log_line_text(log_line::event_raised, came.event) + "\n");
+    return recording_output_line(
+        time_ns, thread.c_str(), key, came.text,
+        came.kind == record_kind::log ? recording_number("priority", came.priority) : "");
 }

@@ -1,46 +1,27 @@
 // Recordings: JSON lines of what a daemon took up and what came of it, as docs/recordings.md has
-// them, read line by line.
+// them, read line by line. platform/host/recording_lines.h writes them.
 #pragma once
 
 #include <cstdint>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "simulator/simulator.h"
+#include "platform/host/recording_lines.h"
 #include "tools/base/whole_file.h"
-#include "tools/recording/timeline.h"
+#include "tools/recording/happening.h"
+#include "tools/recording/record.h"
 
-constexpr int recording_version = 1;
 inline constexpr char recording_beginning[] = "{\"dvx_recording\"";  // of every recording
 
-struct recording_header {
-    std::string daemon;    // its version; empty: not known
-    std::string device;    // what the maker calls it; empty: not known
-    std::string root;      // of a virtual device
-    bool taken = false;    // the daemon itself noted what it took, in that order
-    int64_t wall_ns = 0;   // how far the wall clock is ahead of the recording's; 0: not known
-    int64_t since_ns = 0;  // when whoever recorded asked for it; 0: from the start
-    std::map<std::string, std::string> settings;  // tunables and levels, by the names of --set
-    // Of a device that exists in a simulator alone: its properties, what its libraries answer.
-    std::map<std::string, std::string> properties;
-    std::map<std::string, std::string> answers;
-};
-
-enum recording_line_kind {
-    recording_happening,  // what the daemon took up
-    recording_interval,   // the same, an interval in whose happening nothing was asked
-    recording_output,     // what came out
-};
-
+// A line: what the daemon took up, or what came out.
 struct recording_line {
-    recording_line_kind kind = recording_happening;
     size_t number = 0;  // in the file, from 1
     int64_t time_ns = 0;
-    recorded_happening what;
-    bool is_text = false;  // of a message
-    int32_t interval_us = 0;
-    timeline_entry came;
+    bool is_happening = false;
+    happening taken;
+    record came;
     bool aside = false;  // it belongs to no happening
 };
 
@@ -55,18 +36,33 @@ struct recording {
     size_t at = 0;
     size_t line = 0;
     bool begun = false;
-    int64_t first_ns = 0;  // of the first line behind the header
-    int64_t last_ns = 0;   // of the last happening
+    int64_t first_ns = 0;                        // of the first line behind the header
+    int64_t last_ns = 0;                         // of the last happening
+    std::map<std::string, std::string> answers;  // of libraries, as they are by now
 };
 
 // Opens a file, "-" for standard input. One that cannot be read, or is no recording, has an error.
 recording recording_open(const std::string &path);
 recording recording_of(whole_file content);
 
-// Reads a first line; empty, or what is wrong with it. And any other; false for what is none.
+// Reads a first line; empty, or what is wrong with it.
 std::string recording_read_header(std::string_view line, recording_header *header);
+
+// How far the wall clock is ahead of the recording's; 0: not known.
+int64_t recording_wall_ahead_ns(const recording_header &header);
+
+// Reads any other line by itself; false for what is none. What a call was answered is known from
+// the lines before it alone.
 bool recording_read_line(std::string_view line, recording_line *read);
 
 // The next line. False at the end, or where the error says what is wrong. A last line that was cut
 // off is left out and remarked.
 bool recording_next(recording *file, recording_line *line);
+
+// The same for lines that come one by one.
+void recording_follow_answers(recording *file, recording_line *line);
+
+// The lines of what is seen or played by somebody else than the daemon; `time_ns` is of the
+// recording's clock. A record that has no line is empty.
+std::string recording_line_of(const happening &taken);
+std::string recording_line_of(const record &came, int64_t time_ns);

@@ -1,7 +1,4 @@
-#include "tools/simulated/run_figures.h"
-
-#include <stdio.h>
-#include <string.h>
+#include "tools/recording/run_figures.h"
 
 #include <algorithm>
 
@@ -14,8 +11,8 @@ void pass_time(run_figures *figures, int64_t time_ns) {
     const int64_t passed_ns = std::max<int64_t>(time_ns - figures->last_ns, 0);
     bool lowered = false;
     for (auto &[name, cap] : figures->caps) {
-        cap.frequency_ns += cap.now * static_cast<double>(passed_ns);
-        if (cap.now < cap.full) {
+        cap.frequency_ns += cap.present * static_cast<double>(passed_ns);
+        if (cap.present < cap.full) {
             cap.lowered_ns += passed_ns;
             lowered = true;
         }
@@ -31,42 +28,55 @@ void count_cap(run_figures *figures, const cap_call &call, int64_t time_ns) {
     if (cap.full == 0)
         // Nothing was asked before: the resource stood at what is set first.
         cap.frequency_ns = call.hertz * static_cast<double>(time_ns);
-    else if (call.hertz != cap.now)
+    else if (call.hertz != cap.present)
         ++cap.changes;
     cap.full = std::max(cap.full, call.hertz);
-    cap.now = call.hertz;
+    cap.present = call.hertz;
 }
 
-void count_line(run_figures *figures, const std::string &line) {
-    int share;
-    int janks;
-    int judged;
-    char end = '\0';
-    if (line.starts_with("PM Complete!"))
-        ++figures->measurements;
-    else if (line.starts_with("PM Restart!"))
-        ++figures->restarts;
-    else if (line.ends_with("! PM Start") || line.ends_with("! PM Start\n"))
-        ++figures->returns;
-    else if (sscanf(line.c_str(), "%d%% (%d/%d) Jank%c", &share, &janks, &judged, &end) == 4 &&
-             end == '!') {
-        figures->janks += janks;
-        figures->judged += judged;
+void count_line(run_figures *figures, const record &line) {
+    switch (line.row->id) {
+        case log_line::measure_complete:
+            ++figures->measurements;
+            break;
+        case log_line::measure_over:
+            ++figures->given_up;
+            break;
+        case log_line::measure_again:
+            ++figures->restarts;
+            break;
+        case log_line::active_scene_changed:
+        case log_line::active_too_low:
+        case log_line::active_too_often_low:
+            ++figures->returns;
+            break;
+        case log_line::active_jank_run:
+            figures->janks += record_integer(line, 0);
+            break;
+        case log_line::active_janks:
+            figures->judged += record_integer(line, 2);
+            break;
+        default:
+            break;
     }
 }
 
 }  // namespace
 
-void figures_count(run_figures *figures, const timeline_entry &entry) {
+void figures_count(run_figures *figures, const record &came) {
     cap_call cap;
-    if (entry.kind == timeline_hardware && cap_call_read(entry.text, &cap))
-        count_cap(figures, cap, entry.time_ns);
-    else if (entry.kind == timeline_log)
-        count_line(figures, entry.text);
+    if (cap_call_read(came, &cap) && !record_is_refused(came))
+        count_cap(figures, cap, came.time_ns);
+    else if (came.row != nullptr)
+        count_line(figures, came);
 }
 
 void figures_finish(run_figures *figures, int64_t end_ns) {
     pass_time(figures, end_ns);
+}
+
+double figures_share(int64_t time_ns, int64_t duration_ns) {
+    return duration_ns > 0 ? static_cast<double>(time_ns) / static_cast<double>(duration_ns) : 0;
 }
 
 int figures_cap_changes(const run_figures &figures) {

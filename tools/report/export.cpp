@@ -7,7 +7,7 @@
 #include "tools/base/json.h"
 #include "tools/base/output_file.h"
 #include "tools/base/shown.h"
-#include "tools/explain/moments.h"
+#include "tools/explain/history.h"
 #include "tools/report/report.h"
 #include "tools/report/run_data.h"
 
@@ -44,7 +44,7 @@ void add_thread(ordered_json *events, int thread, const std::string &name) {
 // What each thread did, an instant each, on the thread's own row.
 void add_timeline(ordered_json *events, const report_run &run) {
     std::map<std::string, int> threads;
-    for (const timeline_entry &entry : run.timeline) {
+    for (const record &entry : run.timeline) {
         const std::string name = entry.thread_name.empty() ? "clients" : entry.thread_name;
         const auto [thread, added] =
             threads.try_emplace(name, first_daemon_thread + static_cast<int>(threads.size()));
@@ -53,7 +53,7 @@ void add_timeline(ordered_json *events, const report_run &run) {
         ordered_json instant =
             event("i", entry.text, static_cast<double>(entry.time_ns) / 1e9, thread->second);
         instant["s"] = "t";
-        instant["cat"] = timeline_kind_name(entry.kind);
+        instant["cat"] = record_word(entry.kind);
         events->push_back(instant);
     }
 }
@@ -86,11 +86,11 @@ ordered_json make_trace(const report_run &run) {
         events.push_back(instant);
     }
     for (const decision &made : run.decisions) {
-        ordered_json instant =
-            event("i", made.text, static_cast<double>(made.time_ns) / 1e9, decisions_thread);
+        ordered_json instant = event("i", decision_sentence(made),
+                                     static_cast<double>(made.time_ns) / 1e9, decisions_thread);
         instant["s"] = "t";
-        instant["cat"] = decision_kind_word(made.kind);
-        instant["args"] = {{"detail", made.detail}};
+        instant["cat"] = decision_kind_word(decision_kind_of(made));
+        instant["args"] = {{"detail", decision_detail(made)}};
         events.push_back(instant);
     }
     add_timeline(&events, run);
@@ -121,8 +121,8 @@ std::string make_tables(const report_run &run) {
             if (at_s > time_s)
                 break;
             snprintf(line, sizeof(line), "decision,%.6f,", at_s);
-            text += line + no_caps + "," + decision_kind_word(made.kind) + "," + quoted(made.text) +
-                    "," + quoted(made.detail) + "\n";
+            text += line + no_caps + "," + decision_kind_word(decision_kind_of(made)) + "," +
+                    quoted(decision_sentence(made)) + "," + quoted(decision_detail(made)) + "\n";
         }
     };
     for (size_t i = 0; i < run.intervals_us.size(); ++i) {
@@ -148,9 +148,9 @@ int export_command(const std::string &path, const std::string &to, const std::st
     if (!unfit.empty())
         return refuse(unfit);
     report_run run;
-    const moment_source source = moments_of_file(
-        path, [&](const moment_source &begun) { run = report_begin(begun.figures); },
-        [&](const moment &now) { report_take(&run, now); });
+    const history_source source = history_of_file(
+        path, [&](const history_source &begun) { run = report_begin(begun.figures); },
+        [&](const step &taken) { report_take(&run, taken); });
     if (!source.error.empty())
         return refuse(path + ": " + source.error);
     report_end(&run);

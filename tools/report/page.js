@@ -8,7 +8,6 @@ const capColours = ['#d55e00', '#009e73', '#cc79a7'];
 const capDashes = [null, [6, 3], [2, 2]];
 const bandColours = {measuring: '#56b4e9', suspended: '#999999', 'screen off': '#000000', janks: '#d55e00'};
 const bandStrength = 0.18;
-const jankText = /of the last (\d+) intervals left the profile/;
 const modeLane = 13;                                // pixels above the chart's lines
 const modeColours = [['#dddddd', '#bbbbbb'], ['#3a3d44', '#50545d']];
 const lateColour = '#d55e00';                       // of frames beyond twice the median
@@ -126,15 +125,14 @@ function lastAt(time, count, timeOf) {
 
 // The intervals of which too many left the profile, and which app mode held when: as bands.
 function findBands(run) {
-  run.bands.push(...run.decisions.filter(([, kind, text]) => kind === 'caps' && jankText.test(text))
-    .map(([time, , text]) => {
-      const last = lastAt(time, run.time.length, i => run.time[i]);
-      const first = Math.max(last - Number(jankText.exec(text)[1]), 0);
-      return ['janks', last < 0 ? time : run.time[first], time];
-    }));
-  const modes = run.decisions.filter(([, kind]) => kind === 'app');
-  run.modes = modes.map(([time, , text], i) =>
-    [text.replace('app mode: ', ''), time, i + 1 < modes.length ? modes[i + 1][0] : run.length_s]);
+  run.bands.push(...run.decisions.filter(made => made.reason === 'caps_raised_janks').map(made => {
+    const last = lastAt(made.t_s, run.time.length, i => run.time[i]);
+    const first = Math.max(last - made.numbers.window, 0);
+    return ['janks', last < 0 ? made.t_s : run.time[first], made.t_s];
+  }));
+  const modes = run.decisions.filter(made => made.reason === 'app_mode');
+  run.modes = modes.map((made, i) =>
+    [made.moved[0].to, made.t_s, i + 1 < modes.length ? modes[i + 1].t_s : run.length_s]);
 }
 
 function drawModes(run, context, area, graph) {
@@ -161,9 +159,9 @@ function drawBands(run, context, area, graph) {
     context.fillRect(left, area.y, Math.max(right - left, 1), area.h);
   }
   context.globalAlpha = 1;
-  for (const [time, kind] of run.decisions) {
-    if (kind !== 'caps') continue;
-    const x = graph.toDomXCoord(time);
+  for (const made of run.decisions) {
+    if (made.kind !== 'caps') continue;
+    const x = graph.toDomXCoord(made.t_s);
     if (x < area.x || x > area.x + area.w) continue;
     context.fillStyle = capColours[0];
     context.fillRect(x, area.y + modeLane, 1, 5);
@@ -180,11 +178,11 @@ function follow(graph, initial) {
 }
 
 function tell(run, time, interval) {
-  const decision = run.decisions[lastAt(time, run.decisions.length, i => run.decisions[i][0])];
+  const decision = run.decisions[lastAt(time, run.decisions.length, i => run.decisions[i].t_s)];
   place('reading').textContent = seconds(time) +
     (interval ? ': ' + fixed(interval, 2) + ' ms, ' + fixed(1000 / interval, 1) + ' fps' : '') +
-    (decision ? '. ' + seconds(decision[0]) + ' ' + decision[2] +
-      (decision[3] ? ' (' + decision[3] + ')' : '') : '');
+    (decision ? '. ' + seconds(decision.t_s) + ' ' + decision.text +
+      (decision.detail ? ' (' + decision.detail + ')' : '') : '');
 }
 
 function chart(run, name, className, rows, options) {
@@ -341,25 +339,25 @@ function jump(time) {
 function showDecisions() {
   const all = [];
   runs.forEach(run => run.decisions.forEach(made => all.push([run, made])));
-  all.sort((a, b) => a[1][0] - b[1][0]);
-  const kinds = [...new Set(all.map(([, made]) => made[1]))].sort();
+  all.sort((a, b) => a[1].t_s - b[1].t_s);
+  const kinds = [...new Set(all.map(([, made]) => made.kind))].sort();
   const choice = place('kind');
   for (const kind of ['all', ...kinds]) choice.append(new Option(kind, kind));
   const show = () => {
-    const chosen = all.filter(([, made]) => choice.value === 'all' || made[1] === choice.value);
+    const chosen = all.filter(([, made]) => choice.value === 'all' || made.kind === choice.value);
     place('decisions').replaceChildren();
     place('decision-count').textContent = chosen.length + ' of ' + all.length;
     const box = element('div', undefined, 'scroll');
     place('decisions').append(box);
     const heads = [['at', true], ['kind'], ['decision'], ['']];
     if (runs.length > 1) heads.splice(1, 0, ['recording']);
-    table('Decisions, with their cause', heads, chosen.map(([run, [time, kind, text, detail]]) => {
-      const said = element('span', text);
-      if (detail) said.append(element('small', detail));
+    table('Decisions, with their cause', heads, chosen.map(([run, made]) => {
+      const said = element('span', made.text);
+      if (made.detail) said.append(element('small', made.detail));
       const button = element('button', 'show');
-      button.setAttribute('aria-label', 'show in the chart at ' + seconds(time));
-      button.onclick = () => jump(time);
-      const row = [seconds(time), kind, said, button];
+      button.setAttribute('aria-label', 'show in the chart at ' + seconds(made.t_s));
+      button.onclick = () => jump(made.t_s);
+      const row = [seconds(made.t_s), made.kind, said, button];
       if (runs.length > 1) row.splice(1, 0, run.title);
       return row;
     }), box);

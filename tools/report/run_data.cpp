@@ -3,18 +3,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <nlohmann/json.hpp>
 
+#include "fia/records.h"
 #include "tools/frames/frame_figures.h"
 #include "tools/recording/messages.h"
-#include "tools/simulated/settings.h"
-
-using nlohmann::ordered_json;
 
 namespace {
 
 constexpr size_t timeline_max = 20000;  // entries of a page
-constexpr double percentiles[] = {50, 75, 90, 95, 99, 99.9};
 
 double seconds(int64_t time_ns) {
     return static_cast<double>(time_ns) / 1e9;
@@ -51,57 +47,110 @@ bool is_lowered(const daemon_state &state) {
                        [](const cap_state &cap) { return cap.level != 0; });
 }
 
-void take_scene(report_run *run, const moment &now) {
-    for (const told_entry &told : now.came)
-        if (told.line.row != nullptr && told.line.row->id == line_measure_bucket &&
-            told.line.values[1] == "1")
-            run->buckets.push_back(told.line.values[0] + " fps: " + told.line.values[2] +
-                                   " intervals, variance " + told.line.values[3] + " to " +
-                                   told.line.values[4]);
-    if (moment_line(now, line_measure_complete) != nullptr)
-        run->scenes.push_back({run->state.activity, run->state.scene, seconds(now.time_ns),
-                               60 - 3 * run->state.profile_bucket, run->state.profile_share,
-                               run->buckets});
-    if (moment_line(now, line_measure_heading) != nullptr)
+void take_scene(report_run *run, const step &taken) {
+    for (const record &line : taken.records)
+        if (record_is_line(line, log_line::measure_bucket) && line.values[1] == "1")
+            run->buckets.push_back(line.values[0] + " fps: " + line.values[2] +
+                                   " intervals, variance " + line.values[3] + " to " +
+                                   line.values[4]);
+    if (step_line(taken, log_line::measure_complete) != nullptr)
+        run->scenes.push_back({run->state.activity, run->state.scene, seconds(taken.time_ns),
+                               static_cast<int>(fia_bucket_fps(run->state.profile_bucket)),
+                               run->state.profile_share, run->buckets});
+    if (step_line(taken, log_line::measure_heading) != nullptr)
         run->buckets.clear();
 }
 
-void keep_timeline(report_run *run, const moment &now) {
-    std::vector<timeline_entry> entries;
-    if (now.kind == moment_message)
-        entries.push_back(
-            {now.time_ns, timeline_message, 0, describe_message(now.message, now.is_text), "", 0});
-    if (now.kind == moment_panel)
-        entries.push_back(
-            {now.time_ns, timeline_message, 0, now.on ? "panel on" : "panel off", "", 0});
-    for (const told_entry &told : now.came)
-        entries.push_back(told.entry);
-    for (timeline_entry &entry : entries)
-        if (run->timeline.size() < timeline_max)
-            run->timeline.push_back(std::move(entry));
-        else
-            ++run->timeline_left_out;
+void keep_record(report_run *run, const record &came) {
+    if (run->timeline.size() < timeline_max)
+        run->timeline.push_back(came);
+    else
+        ++run->timeline_left_out;
 }
 
-ordered_json describe_figures(const report_run &run) {
+void keep_timeline(report_run *run, const step &taken) {
+    record told;
+    told.kind = record_kind::message;
+    told.time_ns = taken.time_ns;
+    if (taken.taken.kind == happening_kind::message)
+        told.text = describe_message(*taken.taken.message);
+    if (taken.taken.kind == happening_kind::panel)
+        told.text = panel_is_on(taken.taken) ? "panel on" : "panel off";
+    if (!told.text.empty())
+        keep_record(run, told);
+    for (const record &came : taken.records)
+        keep_record(run, came);
+}
+
+}  // namespace
+
+report_run report_begin(const simulated_figures &figures) {
+    report_run run;
+    run.figures = figures;
+    run.state = daemon_state_make(figures);
+    for (const cap_state &cap : run.state.caps)
+        run.level_s.emplace_back(cap.hertz.size());
+    run.caps.push_back({0, caps_of(run.state)});
+    return run;
+}
+
+void report_take(report_run *run, const step &taken) {
+    const double time_s = seconds(taken.time_ns);
+    const bool is_interval = taken.taken.kind == happening_kind::interval;
+    const int32_t interval_us = is_interval ? taken.taken.interval_us.value_or(0) : 0;
+    pass_time(run, time_s);
+    if (interval_us > 0) {
+        run->time_s.push_back(time_s);
+        run->intervals_us.push_back(interval_us);
+        if (is_lowered(run->state)) {
+            run->lowered_us += interval_us;
+            ++run->lowered;
+        }
+    }
+    for (const record &came : taken.records)
+        figures_count(&run->counts, came);
+    for (decision &made : why_take(&run->state, taken))
+        run->decisions.push_back(std::move(made));
+    if (is_interval && taken.records.empty())
+        return;
+    take_scene(run, taken);
+    const std::vector<double> mhz = caps_of(run->state);
+    if (mhz != run->caps.back().mhz)
+        run->caps.push_back({time_s, mhz});
+    const analyser_mode mode = run->state.analyser;
+    note_band(run, "measuring", mode == analyser_mode::measuring, time_s);
+    note_band(run, "suspended", mode == analyser_mode::suspended, time_s);
+    note_band(run, "screen off", run->state.panel_on.has_value() && !*run->state.panel_on, time_s);
+    keep_timeline(run, taken);
+}
+
+void report_end(report_run *run) {
+    for (const report_band &band : run->open)
+        run->bands.push_back({band.kind, band.from_s, run->last_s});
+    run->open.clear();
+    run->caps.push_back({run->last_s, run->caps.back().mhz});
+    figures_finish(&run->counts, static_cast<int64_t>(run->last_s * 1e9));
+}
+
+report_figures report_figures_of(const report_run &run) {
     const frame_figures frames = frame_figures_of(run.intervals_us);
     const double minutes = run.last_s / 60;
-    const double lowered = run.counts.last_ns > 0 ? static_cast<double>(run.counts.lowered_ns) /
-                                                        static_cast<double>(run.counts.last_ns)
-                                                  : 0;
-    return {
-        {"fps_mean", frames.fps_mean},
-        {"fps_1_low", frames.fps_1_low},
-        {"above_2x", frames.above_2_median},
-        {"lowered", lowered},
-        {"cap_changes_per_minute", minutes > 0 ? figures_cap_changes(run.counts) / minutes : 0.0},
-        {"median_us", frames.median_us},
-        {"measurements", run.counts.measurements},
-        {"janks", run.counts.janks}};
+    report_figures figures;
+    figures.fps_mean = frames.fps_mean;
+    figures.fps_1_low = frames.fps_1_low;
+    figures.above_2_median = static_cast<double>(frames.above_2_median);
+    figures.median_us = frames.median_us;
+    if (run.counts.last_ns > 0)
+        figures.lowered =
+            static_cast<double>(run.counts.lowered_ns) / static_cast<double>(run.counts.last_ns);
+    if (minutes > 0)
+        figures.cap_changes_per_minute = figures_cap_changes(run.counts) / minutes;
+    figures.measurements = run.counts.measurements;
+    figures.janks = static_cast<double>(run.counts.janks);
+    return figures;
 }
 
-// Caps and what they cost, in a sentence.
-std::string describe_verdict(const report_run &run) {
+std::string report_verdict(const report_run &run) {
     char text[256];
     const size_t count = run.intervals_us.size();
     if (count == 0)
@@ -129,134 +178,4 @@ std::string describe_verdict(const report_run &run) {
         snprintf(text + length, sizeof(text) - static_cast<size_t>(length), ", %.1f %s",
                  std::fabs(less), less > 0 ? "less" : "more");
     return text;
-}
-
-ordered_json describe_percentiles(std::vector<double> sorted) {
-    ordered_json said = ordered_json::array();
-    std::sort(sorted.begin(), sorted.end());
-    for (const double percentile : percentiles)
-        if (!sorted.empty()) {
-            const double place = percentile / 100 * static_cast<double>(sorted.size() - 1);
-            said.push_back({percentile, sorted[static_cast<size_t>(std::lround(place))]});
-        }
-    return said;
-}
-
-ordered_json describe_levels(const report_run &run) {
-    ordered_json said = ordered_json::array();
-    for (size_t i = 0; i < run.state.caps.size(); ++i) {
-        ordered_json levels = ordered_json::array();
-        for (size_t level = 0; level < run.level_s[i].size(); ++level)
-            levels.push_back({run.state.caps[i].hertz[level] / 1e6, run.level_s[i][level]});
-        said.push_back({{"name", run.state.caps[i].name}, {"levels", levels}});
-    }
-    return said;
-}
-
-// Milliseconds between the ends of intervals, so that times stay short.
-ordered_json describe_times(const std::vector<double> &time_s) {
-    ordered_json said = ordered_json::array();
-    int64_t last_ms = 0;
-    for (const double each : time_s) {
-        const int64_t ms = std::llround(each * 1000);
-        said.push_back(ms - last_ms);
-        last_ms = ms;
-    }
-    return said;
-}
-
-}  // namespace
-
-report_run report_begin(const simulated_figures &figures) {
-    report_run run;
-    run.figures = figures;
-    run.state = daemon_state_make(figures);
-    for (const cap_state &cap : run.state.caps)
-        run.level_s.emplace_back(cap.hertz.size());
-    run.caps.push_back({0, caps_of(run.state)});
-    return run;
-}
-
-void report_take(report_run *run, const moment &now) {
-    const double time_s = seconds(now.time_ns);
-    pass_time(run, time_s);
-    if (now.kind == moment_interval && now.interval_us > 0) {
-        run->time_s.push_back(time_s);
-        run->intervals_us.push_back(now.interval_us);
-        if (is_lowered(run->state)) {
-            run->lowered_us += now.interval_us;
-            ++run->lowered;
-        }
-    }
-    for (const told_entry &told : now.came)
-        figures_count(&run->counts, told.entry);
-    for (decision &made : why_take(&run->state, now))
-        run->decisions.push_back(std::move(made));
-    if (now.kind == moment_interval && now.came.empty())
-        return;
-    take_scene(run, now);
-    const std::vector<double> mhz = caps_of(run->state);
-    if (mhz != run->caps.back().mhz)
-        run->caps.push_back({time_s, mhz});
-    note_band(run, "measuring", run->state.analyser == analyser_measuring, time_s);
-    note_band(run, "suspended", run->state.analyser == analyser_suspended, time_s);
-    note_band(run, "screen off", run->state.panel_on.has_value() && !*run->state.panel_on, time_s);
-    keep_timeline(run, now);
-}
-
-void report_end(report_run *run) {
-    for (const report_band &band : run->open)
-        run->bands.push_back({band.kind, band.from_s, run->last_s});
-    run->open.clear();
-    run->caps.push_back({run->last_s, run->caps.back().mhz});
-    figures_finish(&run->counts, static_cast<int64_t>(run->last_s * 1e9));
-}
-
-ordered_json report_describe(const report_run &run) {
-    ordered_json bands = ordered_json::array();
-    for (const report_band &band : run.bands)
-        bands.push_back({band.kind, band.from_s, band.to_s});
-    ordered_json caps = ordered_json::array();
-    for (const report_cap_point &point : run.caps)
-        caps.push_back({point.time_s, point.mhz});
-    ordered_json scenes = ordered_json::array();
-    for (const report_scene &scene : run.scenes)
-        scenes.push_back({{"activity", scene.activity},
-                          {"scene", scene.scene},
-                          {"t", scene.time_s},
-                          {"fps", scene.fps},
-                          {"share", scene.share},
-                          {"buckets", scene.buckets}});
-    ordered_json decisions = ordered_json::array();
-    for (const decision &made : run.decisions)
-        decisions.push_back(
-            {seconds(made.time_ns), decision_kind_word(made.kind), made.text, made.detail});
-    ordered_json timeline = ordered_json::array();
-    for (const timeline_entry &entry : run.timeline)
-        timeline.push_back({seconds(entry.time_ns), timeline_kind_name(entry.kind), entry.text,
-                            entry.thread_name});
-    ordered_json settings = ordered_json::object();
-    for (const auto &[name, value] : settings_of(run.figures))
-        settings[name] = value;
-    ordered_json whole_us = ordered_json::array();
-    for (const double interval_us : run.intervals_us)
-        whole_us.push_back(std::llround(interval_us));
-    return {{"title", run.title},
-            {"device", run.device},
-            {"daemon", run.daemon},
-            {"rests_on", run.rests_on},
-            {"length_s", run.last_s},
-            {"figures", describe_figures(run)},
-            {"verdict", describe_verdict(run)},
-            {"percentiles", describe_percentiles(run.intervals_us)},
-            {"dt_ms", describe_times(run.time_s)},
-            {"us", whole_us},
-            {"caps", caps},
-            {"levels", describe_levels(run)},
-            {"bands", bands},
-            {"scenes", scenes},
-            {"decisions", decisions},
-            {"timeline", timeline},
-            {"timeline_left_out", run.timeline_left_out},
-            {"settings", settings}};
 }

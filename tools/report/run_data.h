@@ -1,13 +1,12 @@
-// What a report shows of a run, taken from its moments.
+// What a report shows of a run, taken from its steps.
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
 #include "tools/explain/daemon_state.h"
 #include "tools/explain/why.h"
-#include "tools/simulated/run_figures.h"
+#include "tools/recording/run_figures.h"
 
 // A stretch of time in which something held.
 struct report_band {
@@ -30,7 +29,7 @@ struct report_scene {
     std::vector<std::string> buckets;
 };
 
-// A run while its moments come in.
+// A run while its steps come in.
 struct report_run {
     std::string title;
     std::string device;
@@ -48,17 +47,30 @@ struct report_run {
     std::vector<report_scene> scenes;
     std::vector<std::string> buckets;  // of the measurement that is being told
     std::vector<decision> decisions;
-    std::vector<timeline_entry> timeline;
+    std::vector<record> timeline;
     size_t timeline_left_out = 0;
     double last_s = 0;
     double lowered_us = 0;  // of the intervals, those with a cap below full
     size_t lowered = 0;     // how many they are
 };
 
-// A run of these figures; its moments in their order; and its end, which closes what is open.
+// A run of these figures; its steps in their order; and its end, which closes what is open.
 report_run report_begin(const simulated_figures &figures);
-void report_take(report_run *run, const moment &now);
+void report_take(report_run *run, const step &taken);
 void report_end(report_run *run);
 
-// The run as the page's script takes it.
-nlohmann::ordered_json report_describe(const report_run &run);
+// What it came to, in numbers.
+struct report_figures {
+    double fps_mean = 0;
+    double fps_1_low = 0;
+    double above_2_median = 0;  // frames
+    double median_us = 0;
+    double lowered = 0;  // share of the time with a cap below full
+    double cap_changes_per_minute = 0;
+    double measurements = 0;  // completed
+    double janks = 0;
+};
+report_figures report_figures_of(const report_run &run);
+
+// Caps and what they cost, in a sentence.
+std::string report_verdict(const report_run &run);

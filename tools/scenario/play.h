@@ -2,22 +2,23 @@
 // against what comes.
 #pragma once
 
+#include <functional>
 #include <string>
 
-#include "tools/scenario/players.h"
 #include "tools/scenario/scenario.h"
+#include "tools/scenario/target.h"
 
-// Who is told of what happens while a scenario is played; any of them may be null.
+// Who is told of what happens while a scenario is played; any of them may be empty.
 struct audience {
-    void (*step)(const scenario_step &step);  // before it is played, but for the story's lines
-    void (*story)(const std::string &text);
-    void (*record)(const timeline_entry &entry);
-    void (*part_over)();  // at the next line of the story, and at the end
+    std::function<void(const scenario_step &step)> on_step;  // before it is played
+    std::function<void(const std::string &text)> on_story;
+    std::function<void(const record &came)> on_record;
+    std::function<void()> on_part_over;  // at the next line of the story, and at the end
 };
 
 // Plays one scenario, from the start of its daemon to its end. Empty, or what did not hold, in
 // several lines.
-std::string play_scenario(const player &by, const scenario &what, const audience &told);
+std::string play_scenario(const target &on, const scenario &played, const audience &told);
 
 // Plays the scenarios of a file, or of them the one named `only` where that is not empty: in the
 // simulator, each in a process of its own, or, with `speed` above 0, on a fresh device at `root`.

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "core/events.h"
+#include "tools/base/words.h"
 
 namespace {
 
@@ -48,7 +49,7 @@ std::string read_pattern(std::string text, expectation *then) {
     constexpr char dots[] = " ...";
     std::string word = take_word(&text);
     const bool only = word == "only";
-    pattern next = {pattern_event, "", false, false, word == "no"};
+    pattern next = {pattern_kind::event, "", false, false, word == "no"};
     if (only || next.absent)
         word = take_word(&text);
     const auto kind = std::find_if(std::begin(pattern_words), std::end(pattern_words),
@@ -56,23 +57,24 @@ std::string read_pattern(std::string text, expectation *then) {
     if (kind == std::end(pattern_words))
         return "unknown record '" + word + "'";
     next.kind = static_cast<pattern_kind>(kind - std::begin(pattern_words));
-    then->only[pattern_stream(next.kind)] |= only;
+    then->only[static_cast<size_t>(pattern_stream(next.kind))] |= only;
     if (text == "..." || text.ends_with(dots)) {
         next.open = true;
         text = trimmed_text(text.substr(0, text.size() - strlen("...")));
     }
-    std::vector<scenario_token> tokens;
+    std::vector<happening_word> tokens;
     if (!split_words(text, &tokens))
         return "a quote is not closed";
     next.exact = tokens.size() == 1 && tokens[0].quoted;
     // What must not come is meant however it goes on; an event has nothing more to say.
-    next.open |= next.absent && !next.exact && next.kind != pattern_event;
+    next.open |= next.absent && !next.exact && next.kind != pattern_kind::event;
     next.text = next.exact ? tokens[0].text : text;
     if (next.text.empty() && !next.absent && !next.open)
         return "which " + word + "?";
-    if (next.kind == pattern_event && !next.text.empty() && !next.exact && !is_event(next.text))
+    if (next.kind == pattern_kind::event && !next.text.empty() && !next.exact &&
+        !is_event(next.text))
         return "no event is named '" + next.text + "'";
-    if (next.kind == pattern_hw && !next.text.empty() && !next.exact &&
+    if (next.kind == pattern_kind::hw && !next.text.empty() && !next.exact &&
         !names_call(next.text.substr(0, next.text.find(' '))))
         return "no library call is named '" + next.text + "'";
     then->patterns.push_back(next);
@@ -95,20 +97,21 @@ std::string read_expectation(const std::string &text, expectation *then) {
 }
 
 // What is missing, what fails at the start and the start itself come before anything else happens.
-bool may_stand_here(const std::vector<scenario_step> &before, const happening &what) {
-    const bool at_start = what.kind == happening_start || what.kind == happening_missing ||
-                          (what.kind == happening_failure && what.name != "allocation");
+bool may_stand_here(const std::vector<scenario_step> &before, const happening &given) {
+    const bool at_start = given.kind == happening_kind::start ||
+                          given.kind == happening_kind::missing ||
+                          (given.kind == happening_kind::failure && given.name != "allocation");
     return !at_start || std::all_of(before.begin(), before.end(), [](const scenario_step &step) {
-        return is_preparation(step.what) || step.what.kind == happening_story;
+        return is_preparation(step.given) || !step.story.empty();
     });
 }
 
 }  // namespace
 
-bool is_preparation(const happening &what) {
-    return what.kind == happening_property || what.kind == happening_answer ||
-           what.kind == happening_service || what.kind == happening_missing ||
-           what.kind == happening_failure;
+bool is_preparation(const happening &given) {
+    return given.kind == happening_kind::property || given.kind == happening_kind::answer ||
+           given.kind == happening_kind::service || given.kind == happening_kind::missing ||
+           given.kind == happening_kind::failure;
 }
 
 scenario_file read_scenarios(std::istream &input) {
@@ -142,18 +145,17 @@ scenario_file read_scenarios(std::istream &input) {
                 return fail(number, error);
             continue;
         }
-        scenario_step step = {number, text, {}, false, {}};
+        scenario_step step = {number, text, "", {}, false, {}};
         std::string error;
         if (text[0] == '>') {
-            step.what.kind = happening_story;
-            step.what.name = trimmed_text(text.substr(1));
+            step.story = trimmed_text(text.substr(1));
         } else {
             const std::vector<std::string> parts = split_at(text, '|');
             step.expects = parts.size() == 2;
-            error = parts.size() > 2 ? "more than one bar" : read_happening(parts[0], &step.what);
+            error = parts.size() > 2 ? "more than one bar" : read_happening(parts[0], &step.given);
             if (error.empty() && step.expects)
                 error = read_expectation(parts[1], &step.then);
-            if (error.empty() && !may_stand_here(steps, step.what))
+            if (error.empty() && !may_stand_here(steps, step.given))
                 error = "this stands before the daemon starts";
         }
         if (!error.empty())

@@ -7,46 +7,18 @@
 #include <string>
 #include <vector>
 
-#include "client/dvx_client.h"
-#include "tools/recording/timeline.h"
+#include "tools/recording/happening_words.h"
+#include "tools/recording/record.h"
 
-enum happening_kind {
-    happening_none,      // an expectation alone
-    happening_start,     // of the daemon; else it starts with the first happening of its life
-    happening_story,     // a line for whoever watches
-    happening_message,   // a client's
-    happening_time,      // passes
-    happening_panel,     // a report of its node
-    happening_frames,    // reports of the interval's node
-    happening_report,    // a text in one of the nodes
-    happening_property,  // is set
-    happening_answer,    // of a library, from now on
-    happening_service,   // comes up, goes down, hangs
-    happening_missing,   // before the start: a library or an entry point
-    happening_failure,   // before the start: a thread, an allocation, the socket
-};
-
-struct happening {
-    happening_kind kind = happening_none;
-    dvx_message message = {};
-    bool is_text = false;  // of the message
-    bool on = false;       // of the panel
-    std::string name;      // of property, answer, service, node, library, thread; story
-    std::string value;
-    int64_t number = 0;                 // ms of time, count of frames, which allocation
-    double rate = 1;                    // of frames, times real time where time is real
-    std::vector<int64_t> intervals_us;  // of frames, taken in turn
-};
-
-enum pattern_kind {
-    pattern_event,
-    pattern_log,  // of any priority
-    pattern_info,
-    pattern_error,
-    pattern_hw,
-    pattern_service,
-    pattern_prop,
-    pattern_end,  // of the daemon, with its status
+enum class pattern_kind {
+    event,
+    log,  // of any priority
+    info,
+    error,
+    hw,
+    service,
+    prop,
+    end,  // of the daemon, with its status
 };
 constexpr int pattern_kinds = 8;
 
@@ -68,8 +40,9 @@ struct expectation {
 
 struct scenario_step {
     int line;
-    std::string text;  // as it stands in the file
-    happening what;
+    std::string text;   // as it stands in the file
+    std::string story;  // a line for whoever watches, instead of a happening
+    happening given;    // of kind none: an expectation alone
     bool expects;
     expectation then;
 };
@@ -94,30 +67,12 @@ extern const char *const pattern_words[pattern_kinds];
 pattern_kind pattern_stream(pattern_kind kind);
 
 // Whether a happening may stand before the daemon's start and says what its device is like.
-bool is_preparation(const happening &what);
+bool is_preparation(const happening &given);
 
 // Whether a pattern's text names an event as a record has it, "43 EV_MODE_GAME_DEFAULT": by its
 // number, its name with or without EV_, or both; in small letters or capitals.
 bool names_event(const std::string &wanted, const std::string &record);
 
-// A word of a line, or a text in quotes.
-struct scenario_token {
-    std::string text;
-    bool quoted;
-};
-
-// Splits at blanks; a text in double quotes is one word. False when a quote is not closed.
-bool split_words(const std::string &text, std::vector<scenario_token> *tokens);
-
-// Whether a library's call has that name.
-bool names_call(const std::string &name);
-
-// Reads what stands before the bar. Empty, or what is wrong with it.
-std::string read_happening(const std::string &text, happening *what);
-
-// A text without the blanks around it.
-std::string trimmed_text(const std::string &text);
-
 // Empty when the records are as expected, else what is missing or too much. What the daemon was
 // told is no record.
-std::string check_expectation(const expectation &then, const std::vector<timeline_entry> &records);
+std::string check_expectation(const expectation &then, const std::vector<record> &records);

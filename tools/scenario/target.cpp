@@ -1,130 +1,67 @@
-#include "tools/scenario/players.h"
+#include "tools/scenario/target.h"
 
 #include <string.h>
 
-#include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <memory>
 #include <thread>
+#include <utility>
 
 #include "device/hardware_conf.h"
 #include "device/virtual_device.h"
-#include "simulator/allocation.h"
 #include "simulator/simulator.h"
 #include "tools/device/delivery.h"
 #include "tools/device/device_run.h"
 #include "tools/device/frame_play.h"
-#include "tools/simulated/simulated.h"
+#include "tools/recording/timeline.h"
 
 namespace {
 
-constexpr int64_t ms_ns = 1000000;
+result failed(const std::string &reason) {
+    return {reason.empty() ? failure::none : failure::failed, reason};
+}
 
 // ---- in the simulator
 
-simulated_service service_state(const std::string &word) {
-    return word == "up" ? service_up : word == "down" ? service_down : service_hung;
-}
-
-void prepare(simulator_setup *setup, const happening &what) {
-    switch (what.kind) {
-        case happening_property:
-            setup->properties[what.name] = what.value;
+void prepare(simulator_setup *setup, const happening &given) {
+    switch (given.kind) {
+        case happening_kind::property:
+            setup->properties[given.name] = given.value;
             break;
-        case happening_answer:
-            setup->answers[what.name] = what.value;
+        case happening_kind::answer:
+            setup->answers[given.name] = given.value;
             break;
-        case happening_service:
-            setup->services[what.name] = service_state(what.value);
+        case happening_kind::service:
+            setup->services[given.name] = given.state;
             break;
-        case happening_missing:
-            setup->missing.insert(what.name);
+        case happening_kind::missing:
+            setup->missing.insert(given.name);
             break;
-        case happening_failure:
-            if (what.name == "thread")
-                setup->refused_threads.insert(what.value);
-            if (what.name == "allocation")
-                setup->failing_allocation = static_cast<int>(what.number);
-            setup->name_taken |= what.name == "socket";
-            setup->listen_fails |= what.name == "listen";
+        case happening_kind::failure:
+            if (given.name == "thread")
+                setup->refused_threads.insert(given.value);
+            if (given.name == "allocation")
+                setup->failing_allocation = static_cast<int>(given.count);
+            setup->name_taken |= given.name == "socket";
+            setup->listen_fails |= given.name == "listen";
             break;
         default:
             break;
     }
 }
 
-timeline_entry ended() {
-    return {simulator_now_ns(), timeline_end, 0, "status 255", "", 0};
-}
-
-std::vector<timeline_entry> ends;
-
-std::string start_simulator(const std::vector<happening> &before) {
-    simulator_setup setup = simulator_fresh_device(device_image_path());
-    for (const happening &what : before)
-        prepare(&setup, what);
-    if (simulator_start(setup) != 0)
-        ends.push_back(ended());
-    return {};
-}
-
-std::string play_simulated(const happening &what) {
-    switch (what.kind) {
-        case happening_message:
-            simulator_message(what.message);
-            break;
-        case happening_time:
-            simulator_advance_ns(what.number * ms_ns);
-            break;
-        case happening_panel:
-            simulator_panel_report(what.on ? "panel_power_on = 1\n" : "panel_power_on = 0\n");
-            break;
-        case happening_frames:
-            for (int64_t i = 0; i < what.number; ++i) {
-                const int64_t interval_us =
-                    what.intervals_us[static_cast<size_t>(i) % what.intervals_us.size()];
-                simulator_advance_ns(std::max<int64_t>(interval_us, 0) * 1000);
-                simulator_interval(static_cast<int32_t>(interval_us));
-            }
-            break;
-        case happening_report:
-            if (what.name == "panel")
-                simulator_panel_report(what.value);
-            else
-                simulator_interval_report(what.value);
-            break;
-        case happening_property:
-            simulator_set_property(what.name, what.value);
-            break;
-        case happening_answer:
-            simulator_set_answer(what.name, what.value);
-            break;
-        case happening_service:
-            simulator_set_service(what.name, service_state(what.value));
-            break;
-        case happening_missing:
-            return "what is missing is so from the start";
-        case happening_failure:
-            if (what.name != "allocation")
-                return "this can fail at the start alone";
-            fail_allocation_after(static_cast<int>(what.number) - 1);
-            break;
-        default:
-            break;
-    }
-    return {};
-}
-
-std::vector<timeline_entry> take_from_simulator() {
-    std::vector<timeline_entry> entries = take_simulated();
-    entries.insert(entries.end(), ends.begin(), ends.end());
-    ends.clear();
-    return entries;
+record ended() {
+    record end;
+    end.kind = record_kind::end;
+    end.time_ns = simulator_now_ns();
+    end.text = "status 255";
+    return end;
 }
 
 // ---- on a virtual device
 
-struct played_device {
+struct device_life {
     std::string root;
     double speed = 1;
     bool stay = false;
@@ -132,10 +69,8 @@ struct played_device {
     timeline line;
 };
 
-played_device device;
-
-std::string take_away(const std::string &name) {
-    const std::string libraries = device.root + "/vendor/lib64/";
+std::string take_away(const std::string &root, const std::string &name) {
+    const std::string libraries = root + "/vendor/lib64/";
     for (const device_call &call : device_calls_known)
         if (name == call.name && device_hide_symbol(libraries + call.library, name))
             return {};
@@ -143,93 +78,123 @@ std::string take_away(const std::string &name) {
     return std::filesystem::remove(libraries + name, error) ? "" : "the device has no " + name;
 }
 
-std::string play_on_device(const happening &what);
-
-std::string start_on_device(const std::vector<happening> &before) {
-    std::string error = device_create(device.root, device_image_path());
-    for (const happening &what : before)
-        if (error.empty())
-            error = play_on_device(what);
-    int pid = 0;
-    device.line = timeline_open(device.root);
-    if (error.empty())
-        error = start_device(device.root, !device.stay, &pid).reason;
-    device.started = error.empty();
-    return error;
+result explain_node(int error) {
+    return failed(
+        error == 0 ? "" : std::string("the daemon does not read its nodes: ") + strerror(-error));
 }
 
-std::string explain_node(int error) {
-    return error == 0 ? "" : std::string("the daemon does not read its nodes: ") + strerror(-error);
+result check_daemon_lives(const device_life &life) {
+    const bool ended = life.started && device_daemon_process(life.root) == 0;
+    return failed(ended ? "the daemon has ended" : "");
 }
 
-// A message that is rejected has happened: what the log says of it may be expected.
-std::string tell_device(const happening &what) {
-    const result told = deliver_message(what.message, what.is_text, device.root);
-    return told.kind == failure::rejected ? "" : told.reason;
+result play_frames(const device_life &life, const happening &frames) {
+    std::vector<int64_t> intervals_us;
+    for (int64_t i = 0; i < frames.count; ++i)
+        intervals_us.push_back(
+            frames.intervals_us[static_cast<size_t>(i) % frames.intervals_us.size()]);
+    return explain_node(
+        frame_play(life.root, intervals_us, frames.rate * life.speed, nullptr).error);
 }
 
-std::string check_daemon_lives() {
-    return device.started && device_daemon_process(device.root) == 0 ? "the daemon has ended" : "";
-}
-
-std::string play_on_device(const happening &what) {
-    std::string ended = check_daemon_lives();
-    if (!ended.empty())
-        return ended;
-    switch (what.kind) {
-        case happening_message:
-            return tell_device(what);
-        case happening_time:
-            std::this_thread::sleep_for(std::chrono::duration<double, std::milli>(
-                static_cast<double>(what.number) / device.speed));
-            return check_daemon_lives();
-        case happening_panel:
-            return explain_node(deliver_panel(device.root, what.on));
-        case happening_frames: {
-            std::vector<int64_t> intervals_us;
-            for (int64_t i = 0; i < what.number; ++i)
-                intervals_us.push_back(
-                    what.intervals_us[static_cast<size_t>(i) % what.intervals_us.size()]);
-            return explain_node(
-                frame_play(device.root, intervals_us, what.rate * device.speed, nullptr).error);
+result take_up_on_device(const device_life &life, const happening &given) {
+    constexpr char simulator_alone[] = "this happens in the simulator alone";
+    const result lives = check_daemon_lives(life);
+    if (lives.kind != failure::none)
+        return lives;
+    switch (given.kind) {
+        case happening_kind::message: {
+            // One that is rejected has happened: what the log says of it may be expected.
+            const result told = deliver_message(*given.message, life.root);
+            return told.kind == failure::rejected ? result{} : told;
         }
-        case happening_property:
-            return device_set_property(device.root, what.name, what.value)
-                       ? ""
-                       : "cannot set " + what.name;
-        case happening_answer:
-            device_set_answer(device.root, what.name, what.value);
+        case happening_kind::time:
+            std::this_thread::sleep_for(std::chrono::duration<double, std::nano>(
+                static_cast<double>(given.time_ns) / life.speed));
+            return check_daemon_lives(life);
+        case happening_kind::panel:
+            if (given.value != make_panel_happening(panel_is_on(given)).value)
+                return failed(simulator_alone);
+            return explain_node(deliver_panel(life.root, panel_is_on(given)));
+        case happening_kind::frames:
+            return play_frames(life, given);
+        case happening_kind::property:
+            return failed(device_set_property(life.root, given.name, given.value)
+                              ? ""
+                              : "cannot set " + given.name);
+        case happening_kind::answer:
+            device_set_answer(life.root, given.name, given.value);
             return {};
-        case happening_missing:
-            return take_away(what.name);
-        case happening_report:
-        case happening_service:
-        case happening_failure:
-            return "this happens in the simulator alone";
+        case happening_kind::missing:
+            return failed(take_away(life.root, given.name));
+        case happening_kind::interval:
+        case happening_kind::service:
+        case happening_kind::failure:
+            return failed(simulator_alone);
         default:
             return {};
     }
 }
 
-std::vector<timeline_entry> take_from_device() {
-    return timeline_read(&device.line);
-}
-
-void stop_on_device() {
-    if (!device.stay)
-        static_cast<void>(stop_device(device.root));  // it may have ended already
+result start_on_device(device_life *life, const std::vector<happening> &before) {
+    result started = failed(device_create(life->root, device_image_path()));
+    for (const happening &each : before)
+        if (started.kind == failure::none)
+            started = take_up_on_device(*life, each);
+    int pid = 0;
+    life->line = timeline_open(life->root);
+    if (started.kind == failure::none)
+        started = start_device(life->root, !life->stay, &pid);
+    life->started = started.kind == failure::none;
+    return started;
 }
 
 }  // namespace
 
-player make_simulator_player() {
-    return {start_simulator, play_simulated, take_from_simulator, [] {}, 0};
+target make_simulator_target() {
+    const auto ends = std::make_shared<std::vector<record>>();  // of a daemon that did not start
+    target simulator;
+    simulator.start = [ends](const std::vector<happening> &before) {
+        simulator_setup setup = simulator_fresh_device(device_image_path());
+        for (const happening &each : before)
+            prepare(&setup, each);
+        if (simulator_start(setup) != 0)
+            ends->push_back(ended());
+        return result{};
+    };
+    simulator.take_up = [](const happening &given) {
+        if (given.kind == happening_kind::missing)
+            return failed("what is missing is so from the start");
+        if (given.kind == happening_kind::failure && given.name != "allocation")
+            return failed("this can fail at the start alone");
+        take_up(given);
+        return result{};
+    };
+    simulator.records = [ends] {
+        std::vector<record> came = simulator_take();
+        for (record &end : std::exchange(*ends, {}))
+            came.push_back(std::move(end));
+        return came;
+    };
+    simulator.stop = [] {};
+    return simulator;
 }
 
-player make_device_player(const std::string &root, double speed, bool stay) {
-    constexpr int patience_ms = 10000;
-    device.root = root;
-    device.speed = speed;
-    device.stay = stay;
-    return {start_on_device, play_on_device, take_from_device, stop_on_device, patience_ms};
+target make_device_target(const std::string &root, double speed, bool stay) {
+    const auto life = std::make_shared<device_life>();
+    life->root = root;
+    life->speed = speed;
+    life->stay = stay;
+    target device;
+    device.start = [life](const std::vector<happening> &before) {
+        return start_on_device(life.get(), before);
+    };
+    device.take_up = [life](const happening &given) { return take_up_on_device(*life, given); };
+    device.records = [life] { return timeline_read(&life->line); };
+    device.stop = [life] {
+        if (!life->stay)
+            static_cast<void>(stop_device(life->root));  // it may have ended already
+    };
+    device.patience_ms = 10000;
+    return device;
 }

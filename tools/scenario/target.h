@@ -2,28 +2,30 @@
 // process has at most one simulated daemon.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
-#include "tools/recording/timeline.h"
-#include "tools/scenario/scenario.h"
+#include "tools/base/exit_status.h"
+#include "tools/recording/happening.h"
+#include "tools/recording/record.h"
 
-struct player {
-    // Starts the daemon on a device where what the scenario takes away is missing. Empty, or what
-    // went wrong. A start that fails as a scenario wants it is a record.
-    std::string (*start)(const std::vector<happening> &before);
-    // Lets one thing happen. Empty, or what went wrong.
-    std::string (*play)(const happening &what);
+struct target {
+    // Starts the daemon on a device where what the scenario takes away is missing. A start that
+    // fails as a scenario wants it is a record.
+    std::function<result(const std::vector<happening> &before)> start;
+    // Lets one thing happen.
+    std::function<result(const happening &given)> take_up;
     // What came out since the last call, in order.
-    std::vector<timeline_entry> (*take)();
-    void (*stop)();
+    std::function<std::vector<record>()> records;
+    std::function<void()> stop;
     // How long to wait for what is expected: where time is real, records come when they come.
-    int patience_ms;
+    int patience_ms = 0;
 };
 
 // The simulator, on the image of a device.
-player make_simulator_player();
+target make_simulator_target();
 
 // A fresh virtual device at `root`, with time `speed` times as fast as it is. Its daemon ends with
 // the scenario, or with this program, unless it is to stay.
-player make_device_player(const std::string &root, double speed, bool stay = false);
+target make_device_target(const std::string &root, double speed, bool stay = false);

@@ -1,4 +1,4 @@
-#include "tools/simulated/apart.h"
+#include "tools/simulated/child_process.h"
 
 #include <errno.h>
 #include <stdio.h>
@@ -51,58 +51,58 @@ struct worker {
 };
 
 worker start(const std::vector<std::function<std::string()>> &works, size_t which) {
-    worker at_work;
-    at_work.work = which;
+    worker child;
+    child.work = which;
     int ends[2];
     if (pipe(ends) != 0) {
-        at_work.error = strerror(errno);
-        return at_work;
+        child.error = strerror(errno);
+        return child;
     }
-    at_work.process = fork();
-    if (at_work.process == 0) {
+    child.process = fork();
+    if (child.process == 0) {
         close(ends[0]);
         do_work(works[which], ends[1]);
     }
-    if (at_work.process < 0)
-        at_work.error = strerror(errno);
+    if (child.process < 0)
+        child.error = strerror(errno);
     close(ends[1]);
-    at_work.fd = ends[0];
-    return at_work;
+    child.fd = ends[0];
+    return child;
 }
 
-apart_result finish(const worker &at_work) {
-    apart_result result;
-    result.error = at_work.error;
-    if (at_work.process >= 0) {
+child_result finish(const worker &child) {
+    child_result result;
+    result.error = child.error;
+    if (child.process >= 0) {
         int status = 0;
-        result.said = read_whole(at_work.fd);
-        if (waitpid(at_work.process, &status, 0) == at_work.process && WIFSIGNALED(status))
+        result.output = read_whole(child.fd);
+        if (waitpid(child.process, &status, 0) == child.process && WIFSIGNALED(status))
             result.error = std::string("ended by signal ") + std::to_string(WTERMSIG(status));
-        else if (result.said.empty())
+        else if (result.output.empty())
             result.error = "said nothing";
     }
-    if (at_work.fd >= 0)
-        close(at_work.fd);
+    if (child.fd >= 0)
+        close(child.fd);
     return result;
 }
 
 }  // namespace
 
-apart_result run_apart(const std::function<std::string()> &work) {
-    return run_all_apart({work}, 1)[0];
+child_result run_in_child(const std::function<std::string()> &work) {
+    return run_in_children({work}, 1)[0];
 }
 
-std::vector<apart_result> run_all_apart(const std::vector<std::function<std::string()>> &works,
-                                        int jobs) {
-    std::vector<apart_result> results(works.size());
-    std::deque<worker> at_work;
+std::vector<child_result> run_in_children(const std::vector<std::function<std::string()>> &works,
+                                          int jobs) {
+    std::vector<child_result> results(works.size());
+    std::deque<worker> children;
     fflush(stdout);
     // Answers are short, so that those who wait for their turn to be read do not wait to write.
-    for (size_t next = 0; next < works.size() || !at_work.empty();) {
-        while (next < works.size() && at_work.size() < static_cast<size_t>(jobs))
-            at_work.push_back(start(works, next++));
-        results[at_work.front().work] = finish(at_work.front());
-        at_work.pop_front();
+    for (size_t next = 0; next < works.size() || !children.empty();) {
+        while (next < works.size() && children.size() < static_cast<size_t>(jobs))
+            children.push_back(start(works, next++));
+        results[children.front().work] = finish(children.front());
+        children.pop_front();
     }
     return results;
 }

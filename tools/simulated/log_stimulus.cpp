@@ -1,18 +1,15 @@
 // What a log tells of the messages and panel reports that a daemon took: the events that a client
 // alone raises, and the lines that name what came with them.
-#include <stdlib.h>
-
-#include <set>
+#include <algorithm>
 
 #include "core/events.h"
 #include "device/virtual_device.h"
 #include "tools/recording/logcat.h"
 #include "tools/recording/messages.h"
-#include "tools/simulated/course.h"
+#include "tools/simulated/stimulus.h"
 
 namespace {
 
-constexpr size_t line_max = size_t{1} << 16;
 constexpr int64_t same_message_ns = 50000000;  // lines of one message lie within
 constexpr size_t same_message_lines = 512;     // far more than any message brings about
 
@@ -51,134 +48,133 @@ constexpr event_message event_messages[] = {
 
 // Where the log stands while it is read.
 struct reader {
-    const std::vector<timeline_entry> *entries;
+    const std::vector<record> *records;
     int64_t start_ns;
     size_t at;
-    course *made;
+    stimulus *made;
     std::string package;  // in front, as the log said last
 };
 
-int64_t time_of(const reader &now, size_t at) {
-    return (*now.entries)[at].time_ns - now.start_ns;
+int64_t time_of(const reader &log) {
+    return (*log.records)[log.at].time_ns - log.start_ns;
 }
 
-void add(reader *now, const dvx_message &message) {
-    course_add_message(now->made, time_of(*now, now->at), message);
+void add(reader *log, const dvx_message &message) {
+    log->made->happenings.push_back(make_message_happening(message, time_of(*log)));
 }
 
-// Whether the entry at `at` may belong to the message that the log is read at.
-bool is_of_message(const reader &now, size_t at) {
-    return at < now.entries->size() && at < now.at + same_message_lines &&
-           (*now.entries)[at].time_ns - (*now.entries)[now.at].time_ns <= same_message_ns;
+// Whether the record at `at` may belong to the message that the log is read at.
+bool is_of_message(const reader &log, size_t at) {
+    return at < log.records->size() && at < log.at + same_message_lines &&
+           (*log.records)[at].time_ns - (*log.records)[log.at].time_ns <= same_message_ns;
 }
 
-// Looks for a line that begins so among those that belong to the message at `at`; what stands
-// behind the beginning, or an empty text.
-std::string find_behind(const reader &now, const std::string &beginning) {
-    for (size_t at = now.at; is_of_message(now, at); ++at) {
-        const timeline_entry &entry = (*now.entries)[at];
-        if (entry.kind == timeline_log && entry.text.starts_with(beginning))
-            return entry.text.substr(beginning.size());
-    }
-    return {};
+// The line of that kind among those that belong to the message; null where there is none.
+const record *find_line(const reader &log, log_line line) {
+    for (size_t at = log.at; is_of_message(log, at); ++at)
+        if (record_is_line((*log.records)[at], line))
+            return &(*log.records)[at];
+    return nullptr;
 }
 
-bool follows_event(const reader &now, event_id event) {
-    for (size_t at = now.at; is_of_message(now, at); ++at) {
-        const timeline_entry &entry = (*now.entries)[at];
-        if (entry.kind == timeline_event && strtoul(entry.text.c_str(), nullptr, 10) == event)
+bool follows_event(const reader &log, event_id event) {
+    for (size_t at = log.at; is_of_message(log, at); ++at) {
+        const record &came = (*log.records)[at];
+        if (came.kind == record_kind::event && came.event == event)
             return true;
     }
     return false;
 }
 
 // The rate that a tuned game wants stands in the line of the display's rate alone.
-void add_game(reader *now, bool on) {
-    const bool tuned = on && follows_event(*now, EV_GAME_TUNER_MODE_ON);
-    const int32_t asked = atoi(find_behind(*now, "CF").c_str());
-    const int32_t ofvalue = atoi(find_behind(*now, "ofvalue : ").c_str());
-    add(now, make_message(DVX_CLIENT_POWERHAL, DVX_CODE_GAME,
-                          {tuned ? 1 : 0, on ? 1 : 0, tuned && asked > 0 ? asked : 0, ofvalue}));
+void add_game(reader *log, bool on) {
+    const bool tuned = on && follows_event(*log, EV_GAME_TUNER_MODE_ON);
+    const record *rate = find_line(*log, log_line::rate_applied);
+    const record *ofvalue = find_line(*log, log_line::game_ofvalue);
+    const int32_t asked = tuned && rate != nullptr ? record_integer(*rate, 0) : 0;
+    add(log, make_message(DVX_CLIENT_POWERHAL, DVX_CODE_GAME,
+                          {tuned ? 1 : 0, on ? 1 : 0, std::max(asked, 0),
+                           ofvalue != nullptr ? record_integer(*ofvalue, 0) : 0}));
 }
 
-void add_activity(reader *now) {
-    const std::string changed = find_behind(*now, "CA : ");
-    if (!changed.empty())
-        now->package = changed.substr(0, changed.find('\n'));
-    add(now, make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_ACTIVITY, now->package + "/"));
+void add_activity(reader *log) {
+    const record *changed = find_line(*log, log_line::app_in_front);
+    if (changed != nullptr && !changed->values[0].empty())
+        log->package = changed->values[0];
+    add(log, make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_ACTIVITY, log->package + "/"));
 }
 
-void add_event(reader *now, uint32_t event) {
+void add_event(reader *log, uint32_t event) {
     for (const event_message &row : event_messages)
         if (row.event == event)
-            add(now, make_message(row.client, row.code, {row.value}));
+            add(log, make_message(row.client, row.code, {row.value}));
     const auto home = [&](const char *state) {
-        add(now, make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_HOME, state));
+        add(log, make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_HOME, state));
     };
     switch (event) {
         case EV_GAME_APP_RESUMED:
         case EV_GAME_APP_PAUSED:
-            add_game(now, event == EV_GAME_APP_RESUMED);
+            add_game(log, event == EV_GAME_APP_RESUMED);
             break;
         case EV_ACTIVITY_CHANGED:
-            add_activity(now);
+            add_activity(log);
             break;
         case EV_HOME_RESUMED:
-            home(follows_event(*now, EV_LIVE_WALLPAPER_ON) ? "2:unknown" : "1:unknown");
+            home(follows_event(*log, EV_LIVE_WALLPAPER_ON) ? "2:unknown" : "1:unknown");
             break;
         case EV_HOME_PAUSED:
             home("0:unknown");
             break;
         case EV_SCREEN_OFF:
-        case EV_SCREEN_ON: {
-            course_step step;
-            step.time_ns = time_of(*now, now->at);
-            step.kind = course_panel;
-            step.value = event == EV_SCREEN_ON ? "panel_power_on = 1\n" : "panel_power_on = 0\n";
-            now->made->steps.push_back(step);
+        case EV_SCREEN_ON:
+            log->made->happenings.push_back(
+                make_panel_happening(event == EV_SCREEN_ON, time_of(*log)));
             break;
-        }
         default:
             break;
     }
 }
 
-void add_line(reader *now, const std::string &line) {
-    const auto behind = [&](const std::string &beginning, std::string *rest) {
-        *rest = line.starts_with(beginning) ? line.substr(beginning.size(), line.find('\n')) : "";
-        while (rest->ends_with('\n'))
-            rest->pop_back();
-        return line.starts_with(beginning);
-    };
-    std::string rest;
-    if (behind("CW : ", &rest))
-        add(now, make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_WINDOW, rest));
-    else if (behind("Game Optimizer : ", &rest))
-        add(now, make_message(DVX_CLIENT_POWERHAL, DVX_CODE_GAME_OPTIMIZER, {atoi(rest.c_str())}));
-    else if (behind("automode ", &rest))
-        add(now, make_message(DVX_CLIENT_AUTOMODE, DVX_CODE_ANY, {atoi(rest.c_str())}));
-    else if (behind("CA : ", &rest) && rest != now->package)
-        add(now, make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_APP, now->package = rest));
+void add_line(reader *log, const record &line) {
+    switch (line.row != nullptr ? line.row->id : log_line::count) {
+        case log_line::window_in_front:
+            add(log, make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_WINDOW, line.values[0]));
+            break;
+        case log_line::game_optimizer:
+            add(log, make_message(DVX_CLIENT_POWERHAL, DVX_CODE_GAME_OPTIMIZER,
+                                  {record_integer(line, 0)}));
+            break;
+        case log_line::automode_command:
+            add(log, make_message(DVX_CLIENT_AUTOMODE, DVX_CODE_ANY, {record_integer(line, 0)}));
+            break;
+        case log_line::app_in_front:
+            if (line.values[0] != log->package)
+                add(log, make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_APP,
+                                           log->package = line.values[0]));
+            break;
+        default:
+            break;
+    }
 }
 
 }  // namespace
 
-course course_of_log(const std::vector<timeline_entry> &entries, int64_t start_ns) {
-    course made;
+stimulus stimulus_of_log(const std::vector<record> &records, int64_t start_ns) {
+    stimulus made;
     made.setup = simulator_fresh_device(device_image_path());
-    if (entries.empty())
+    if (records.empty())
         return made;
-    reader now = {&entries, start_ns, 0, &made, ""};
+    reader log = {&records, start_ns, 0, &made, ""};
     bool has_events = false;
-    for (; now.at < entries.size(); ++now.at) {
-        const timeline_entry &entry = entries[now.at];
-        has_events |= entry.kind == timeline_event;
-        if (entry.kind == timeline_event)
-            add_event(&now, static_cast<uint32_t>(strtoul(entry.text.c_str(), nullptr, 10)));
-        else if (entry.kind == timeline_log)
-            add_line(&now, entry.text);
+    for (; log.at < records.size(); ++log.at) {
+        const record &came = records[log.at];
+        has_events |= came.kind == record_kind::event;
+        if (came.kind == record_kind::event)
+            add_event(&log, came.event);
+        else
+            add_line(&log, came);
     }
-    made.end_ns = time_of(now, entries.size() - 1);
+    made.end_ns = records.back().time_ns - start_ns;
     if (!has_events)
         made.remarks.push_back(
             "the log has no events, as debug lines were off: which messages came is not known");
@@ -189,23 +185,16 @@ course course_of_log(const std::vector<timeline_entry> &entries, int64_t start_n
     return made;
 }
 
-course course_of_log_text(std::string_view text) {
-    std::vector<timeline_entry> entries;
+stimulus stimulus_of_log_text(std::string_view text) {
+    std::vector<record> records;
     logcat_log log;
-    for (size_t at = 0; at < text.size();) {
-        const size_t end = std::min(text.find('\n', at), text.size());
-        logcat_line line;
-        const size_t length = end - at < line_max ? end - at : 0;  // no line of the daemon's
-        if (logcat_take(&log, std::string(text.substr(at, length)), timeline_now_ns(), &line))
-            entries.push_back(make_log_entry(line.time_ns, line.text));
-        at = end + 1;
-    }
-    course made;
-    if (entries.empty()) {
+    logcat_read_text(&log, text, [&](const record &line) { records.push_back(line); });
+    stimulus made;
+    if (records.empty()) {
         made.error = "is no log with lines of the daemon";
         return made;
     }
-    made = course_of_log(entries, entries.front().time_ns);
+    made = stimulus_of_log(records, records.front().time_ns);
     made.remarks.insert(made.remarks.begin(), log.remarks.begin(), log.remarks.end());
     return made;
 }

@@ -1,45 +1,18 @@
 #include "tools/simulated/replay.h"
 
 #include <algorithm>
-#include <charconv>
+#include <utility>
 
 #include "device/virtual_device.h"
-#include "tools/recording/messages.h"
-#include "tools/simulated/simulated.h"
 
 namespace {
 
 // The happening that has been taken up, with what it brought about then and now.
-struct taken_step {
+struct replayed_step {
     size_t line = 0;
-    int64_t time_ns = 0;
-    recording_line what;
-    std::vector<timeline_entry> recorded;
-    std::vector<timeline_entry> replayed;
+    step replayed;
+    std::vector<record> recorded;
 };
-
-std::string describe_happening(const recording_line &line) {
-    constexpr const char *words[] = {"before main",
-                                     "start-up",
-                                     "the analyser's start",
-                                     "",
-                                     "",
-                                     "",
-                                     "timers",
-                                     "a poll of the thermal engine"};
-    static_assert(std::size(words) == recorded_kinds);
-    if (line.kind == recording_interval)
-        return "interval of " + std::to_string(line.interval_us) + " us";
-    switch (line.what.kind) {
-        case recorded_message:
-            return describe_message(line.what.message, line.is_text);
-        case recorded_panel:
-        case recorded_interval:
-            return "report '" + line.what.report + "'";
-        default:
-            return words[line.what.kind];
-    }
-}
 
 // A text without the directory of the device that it comes from.
 std::string without_root(const std::string &text, const std::string &root) {
@@ -50,108 +23,83 @@ std::string without_root(const std::string &text, const std::string &root) {
     return plain;
 }
 
-bool is_same(const timeline_entry &recorded, const timeline_entry &replayed,
-             const std::string &root) {
+bool is_same(const record &recorded, const record &replayed, const std::string &root) {
     return recorded.kind == replayed.kind && recorded.thread_name == replayed.thread_name &&
            (recorded.text == replayed.text || without_root(recorded.text, root) == replayed.text);
 }
 
-std::vector<std::string> describe(const std::vector<timeline_entry> &entries) {
-    std::vector<std::string> said;
-    for (const timeline_entry &entry : entries) {
-        said.push_back(std::string(timeline_kind_name(entry.kind)) + "  " + entry.text + "  [" +
-                       entry.thread_name + "]");
-    }
-    return said;
+std::vector<std::string> describe(const std::vector<record> &records) {
+    std::vector<std::string> lines;
+    for (const record &each : records)
+        lines.push_back(std::string(record_word(each.kind)) + "  " + each.text + "  [" +
+                        each.thread_name + "]");
+    return lines;
 }
 
 // Whether the step came out as recorded; the difference where not.
-bool compare_step(const taken_step &step, const std::string &root, replay_difference *difference) {
-    if (std::equal(
-            step.recorded.begin(), step.recorded.end(), step.replayed.begin(), step.replayed.end(),
-            [&](const timeline_entry &a, const timeline_entry &b) { return is_same(a, b, root); }))
+bool compare_step(const replayed_step &taken, const std::string &root,
+                  replay_difference *difference) {
+    const std::vector<record> &replayed = taken.replayed.records;
+    if (std::equal(taken.recorded.begin(), taken.recorded.end(), replayed.begin(), replayed.end(),
+                   [&](const record &a, const record &b) { return is_same(a, b, root); }))
         return true;
     *difference = {true,
-                   step.line,
-                   step.time_ns,
-                   describe_happening(step.what),
-                   describe(step.recorded),
-                   describe(step.replayed)};
+                   taken.line,
+                   taken.replayed.time_ns,
+                   describe_happening(taken.replayed.taken),
+                   describe(taken.recorded),
+                   describe(replayed)};
     return false;
 }
 
-int take_up(const recording_line &line, replay_counts *counts) {
+void count(replay_counts *counts, const step &taken) {
     ++counts->happenings;
-    if (line.kind == recording_interval) {
-        ++counts->intervals;
-        simulator_replay_interval(line.time_ns, line.interval_us);
-        return 0;
-    }
-    counts->messages += line.what.kind == recorded_message ? 1 : 0;
-    counts->intervals += line.what.kind == recorded_interval ? 1 : 0;
-    return simulator_replay(line.what);
-}
-
-void give(taken_step *step, const std::function<void(const moment &now)> &sink) {
-    if (step->replayed.empty())
-        return;
-    const recording_line &what = step->what;
-    const recorded_kind kind = what.kind == recording_interval ? recorded_interval : what.what.kind;
-    moment now;
-    now.kind = moment_kind_of(kind);
-    now.time_ns = step->time_ns;
-    now.message = what.what.message;
-    now.is_text = what.is_text;
-    now.on = what.what.report == "panel_power_on = 1\n";
-    now.interval_us = what.interval_us;
-    for (timeline_entry &entry : step->replayed)
-        moment_add(&now, std::move(entry));
-    sink(now);
+    counts->messages += taken.taken.kind == happening_kind::message ? 1 : 0;
+    counts->intervals += taken.taken.kind == happening_kind::interval ? 1 : 0;
+    counts->duration_ns = taken.time_ns;
 }
 
 }  // namespace
 
-std::string replay_taken(recording *file, const simulated_figures &figures, replay_counts *counts,
-                         replay_difference *difference,
-                         const std::function<void(const moment &now)> &sink) {
+std::string replay_exactly(recording *file, const simulated_figures &figures, replay_counts *counts,
+                           replay_difference *difference, const step_taker &sink) {
     simulator_setup setup;
     setup.image = device_image_path();
     setup.figures = figures;
     setup.properties = file->header.properties;
     setup.answers = file->header.answers;
     recording_line line;
-    taken_step step;
+    replayed_step current;
     int64_t first_ns = 0;
     bool comparing = difference != nullptr;
+    // Whether it goes on.
     const auto finish_step = [&] {
-        counts->records += step.replayed.size();
-        const bool same = !comparing || compare_step(step, file->header.root, difference);
-        give(&step, sink);
-        step.recorded.clear();
-        step.replayed.clear();
+        counts->records += current.replayed.records.size();
+        const bool same = !comparing || compare_step(current, file->header.root, difference);
+        if (!current.replayed.records.empty())
+            sink(current.replayed);
+        current.recorded.clear();
+        current.replayed.records.clear();
         return same;
     };
     while (recording_next(file, &line)) {
-        if (line.kind == recording_output) {
+        if (!line.is_happening) {
             if (comparing && !line.aside && !line.came.text.empty())
-                step.recorded.push_back(line.came);
+                current.recorded.push_back(std::move(line.came));
             continue;
         }
-        if ((!step.recorded.empty() || !step.replayed.empty()) && !finish_step())
+        if ((!current.recorded.empty() || !current.replayed.records.empty()) && !finish_step())
             return {};
         if (first_ns == 0) {
             first_ns = line.time_ns;
             simulator_replay_from(setup, first_ns);
         }
-        step.line = line.number;
-        step.time_ns = line.time_ns - first_ns;
-        counts->duration_ns = step.time_ns;
-        const int result = take_up(line, counts);
-        step.replayed = take_simulated();
-        if (line.kind == recording_happening)
-            step.what = line;
-        step.what.kind = line.kind;
-        step.what.interval_us = line.interval_us;
+        current.line = line.number;
+        current.replayed.taken = line.taken;
+        current.replayed.time_ns = line.time_ns - first_ns;
+        count(counts, current.replayed);
+        const int result = take_up(line.taken);
+        current.replayed.records = simulator_take();
         if (result != 0)
             break;
     }

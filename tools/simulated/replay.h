@@ -1,24 +1,12 @@
 // Replay: the whole daemon on what a recording's daemon took up, in the simulator.
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
-#include "tools/recording/moment.h"
+#include "simulator/simulator.h"
 #include "tools/recording/recording.h"
-#include "tools/simulated/run_figures.h"
-
-struct replay_options {
-    bool compare = false;               // hold what follows against what was recorded
-    std::vector<std::string> settings;  // NAME=VALUE
-    bool why = false;                   // each decision in a sentence
-    bool json = false;
-};
-
-// dvxctl's command. Its exit status: 0; 1 where --compare finds a difference; 2 for words and files
-// that are of no use.
-int replay_command(const std::string &path, const replay_options &options);
+#include "tools/recording/step.h"
 
 // What a replay went through.
 struct replay_counts {
@@ -40,8 +28,7 @@ struct replay_difference {
 };
 
 // Lets the daemon in this process take up an open recording that a daemon noted itself, and gives
-// each moment of which something came to `sink`. With `difference` it is compared on the way and
-// ends at the first one. Empty, or what went wrong.
-std::string replay_taken(recording *file, const simulated_figures &figures, replay_counts *counts,
-                         replay_difference *difference,
-                         const std::function<void(const moment &now)> &sink);
+// each step of which something came to `sink`. With `difference` it is compared on the way and ends
+// at the first one. Empty, or what went wrong.
+std::string replay_exactly(recording *file, const simulated_figures &figures, replay_counts *counts,
+                           replay_difference *difference, const step_taker &sink);

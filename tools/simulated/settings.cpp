@@ -115,3 +115,12 @@ std::string settings_of_header(const recording_header &header, simulated_figures
     }
     return {};
 }
+
+std::string settings_apply_all(simulated_figures *figures, const std::vector<std::string> &texts) {
+    for (const std::string &text : texts) {
+        const std::string wrong = setting_apply_text(figures, text);
+        if (!wrong.empty())
+            return wrong;
+    }
+    return settings_check(*figures);
+}

@@ -20,6 +20,9 @@ std::string setting_apply(simulated_figures *figures, const std::string &name, i
 // The same from "NAME=VALUE".
 std::string setting_apply_text(simulated_figures *figures, const std::string &text);
 
+// The same of many, which are right together too.
+std::string settings_apply_all(simulated_figures *figures, const std::vector<std::string> &texts);
+
 // The figures that a recording was made with, as its header has them. Empty, or what is wrong.
 std::string settings_of_header(const recording_header &header, simulated_figures *figures);
 

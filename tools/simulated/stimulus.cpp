@@ -1,13 +1,14 @@
-#include "tools/simulated/course.h"
+#include "tools/simulated/stimulus.h"
 
 #include <errno.h>
 
 #include <algorithm>
 #include <cmath>
+#include <set>
+#include <utility>
 
 #include "device/virtual_device.h"
 #include "tools/recording/messages.h"
-#include "tools/simulated/simulated.h"
 
 namespace {
 
@@ -15,219 +16,179 @@ constexpr int64_t us_ns = 1000;
 constexpr int64_t second_ns = 1000000000;
 constexpr double interval_max_us = 1e9;
 
-// What the platform answered at the start is what the device is like; later, what it has become.
-void add_answers(course *what, const recorded_happening &taken, int64_t time_ns, bool at_start) {
-    for (const recorded_answer &answer : taken.answers) {
-        course_step step;
-        step.time_ns = time_ns;
-        step.name = answer.name;
-        step.value = answer.value;
-        step.number = static_cast<int32_t>(answer.number);
-        if (answer.kind == answer_property && at_start)
-            what->setup.properties[answer.name] = answer.value;
-        else if (answer.kind == answer_library && at_start && answer.number != 0)
-            what->setup.answers[answer.name] = answer.value;
-        else if (answer.kind == answer_property || answer.kind == answer_library ||
-                 answer.kind == answer_connect) {
-            step.kind = answer.kind == answer_property  ? course_property
-                        : answer.kind == answer_library ? course_answer
-                                                        : course_connect;
-            what->steps.push_back(step);
-        }
-    }
+happening make_change(happening_kind kind, int64_t time_ns, const std::string &name,
+                      const std::string &value) {
+    happening change;
+    change.kind = kind;
+    change.time_ns = time_ns;
+    change.name = name;
+    change.value = value;
+    return change;
 }
 
-void add_happening(course *what, const recording_line &line, int64_t time_ns) {
-    course_step step;
-    step.time_ns = time_ns;
-    step.value = line.what.report;
-    switch (line.what.kind) {
-        case recorded_message:
-            course_add_message(what, time_ns, line.what.message);
+// A recording while it becomes a stimulus.
+struct builder {
+    stimulus made;
+    bool started = false;              // a message has come
+    std::vector<std::string> failing;  // services, until the next happening
+    std::set<std::string> in_vain;     // looked for, and not there
+};
+
+// What the platform answered at the start is what the device is like; later, what it has become.
+void add_answer(builder *built, const platform_answer &answer, int64_t time_ns) {
+    simulator_setup *setup = &built->made.setup;
+    std::vector<happening> *happenings = &built->made.happenings;
+    const bool has_value = answer.kind == answer_kind::property || answer.number != 0;
+    switch (answer.kind) {
+        case answer_kind::property:
+        case answer_kind::library: {
+            const bool is_property = answer.kind == answer_kind::property;
+            if (built->started)
+                happenings->push_back(
+                    make_change(is_property ? happening_kind::property : happening_kind::answer,
+                                time_ns, answer.name, has_value ? answer.value : "0"));
+            else if (has_value)
+                (is_property ? setup->properties : setup->answers)[answer.name] = answer.value;
+            else
+                setup->answers.erase(answer.name);
             break;
-        case recorded_panel:
-            step.kind = course_panel;
-            what->steps.push_back(step);
+        }
+        case answer_kind::connect:
+            happenings->push_back(make_change(happening_kind::service, time_ns, answer.name, ""));
+            happenings->back().state =
+                answer.number == EAGAIN ? service_state::hung : service_state::down;
+            built->failing.push_back(answer.name);
             break;
-        case recorded_interval:
-            step.kind = course_report;
-            what->steps.push_back(step);
+        case answer_kind::missing:
+            built->in_vain.insert(answer.name);
             break;
         default:
             break;
     }
 }
 
-void add_interval(course *what, int64_t time_ns, int32_t interval_us) {
-    course_step step;
-    step.time_ns = time_ns;
-    step.number = interval_us;
-    what->steps.push_back(step);
+// Services that failed while a happening was taken up answer the next one.
+void restore_services(builder *built, int64_t time_ns) {
+    for (const std::string &service : std::exchange(built->failing, {}))
+        built->made.happenings.push_back(
+            make_change(happening_kind::service, time_ns, service, ""));
+}
+
+void add_happening(builder *built, const happening &taken, int64_t time_ns) {
+    for (const platform_answer &answer : taken.answers)
+        add_answer(built, answer, time_ns);
+    if (taken.kind != happening_kind::message && taken.kind != happening_kind::panel &&
+        taken.kind != happening_kind::interval)
+        return;
+    built->started |= taken.kind == happening_kind::message;
+    built->made.happenings.push_back(taken);
+    built->made.happenings.back().time_ns = time_ns;
+    built->made.happenings.back().answers.clear();
+    restore_services(built, time_ns);
 }
 
 // Of what was looked for in vain: a library that one of two folders lacks is in the other.
-void add_missing(course *what, const std::set<std::string> &in_vain) {
+void add_missing(builder *built) {
     constexpr char one[] = "/vendor/lib/";
-    for (const std::string &path : in_vain) {
+    for (const std::string &path : built->in_vain) {
         const std::string name = path.substr(path.rfind('/') + 1);
-        if (!path.starts_with(one) || in_vain.contains("/vendor/lib64/" + name))
-            what->setup.missing.insert(name);
+        if (!path.starts_with(one) || built->in_vain.contains("/vendor/lib64/" + name))
+            built->made.setup.missing.insert(name);
     }
-}
-
-void play_step(const course &what, const course_step &step) {
-    switch (step.kind) {
-        case course_interval:
-            simulator_interval(step.number);
-            break;
-        case course_report:
-            simulator_interval_report(step.value);
-            break;
-        case course_message:
-            simulator_message(what.messages[step.message]);
-            break;
-        case course_panel:
-            simulator_panel_report(step.value);
-            break;
-        case course_property:
-            simulator_set_property(step.name, step.value);
-            break;
-        case course_answer:
-            simulator_set_answer(step.name, step.number != 0 ? step.value : "0");
-            break;
-        case course_connect:
-            simulator_set_service(step.name, step.number == EAGAIN ? service_hung : service_down);
-            break;
-    }
-}
-
-moment moment_of_step(const course &what, const course_step &step) {
-    constexpr moment_kind kinds[] = {moment_interval, moment_interval, moment_message, moment_panel,
-                                     moment_unknown,  moment_unknown,  moment_unknown};
-    moment now;
-    now.kind = kinds[step.kind];
-    now.interval_us = step.number;
-    now.on = step.value == "panel_power_on = 1\n";
-    if (step.kind == course_message)
-        now.message = what.messages[step.message];
-    return now;
 }
 
 // Puts what the log tells beside what was seen of the nodes; a panel that was seen is not told.
-void add_told(course *what, course told, bool panel_seen) {
-    for (course_step &step : told.steps) {
-        if (step.kind == course_panel && panel_seen)
-            continue;
-        step.message += what->messages.size();
-        what->steps.push_back(step);
-    }
-    what->messages.insert(what->messages.end(), told.messages.begin(), told.messages.end());
-    what->remarks.insert(what->remarks.end(), told.remarks.begin(), told.remarks.end());
-    std::stable_sort(
-        what->steps.begin(), what->steps.end(),
-        [](const course_step &a, const course_step &b) { return a.time_ns < b.time_ns; });
+void add_told(stimulus *made, const stimulus &told, bool panel_seen) {
+    for (const happening &each : told.happenings)
+        if (each.kind != happening_kind::panel || !panel_seen)
+            made->happenings.push_back(each);
+    made->remarks.insert(made->remarks.end(), told.remarks.begin(), told.remarks.end());
+    std::stable_sort(made->happenings.begin(), made->happenings.end(),
+                     [](const happening &a, const happening &b) { return a.time_ns < b.time_ns; });
 }
 
 }  // namespace
 
-void course_add_message(course *what, int64_t time_ns, const dvx_message &message) {
-    course_step step;
-    step.time_ns = time_ns;
-    step.kind = course_message;
-    step.message = what->messages.size();
-    what->messages.push_back(message);
-    what->steps.push_back(step);
-}
-
-course course_of_recording(recording *file) {
-    course what;
-    std::vector<timeline_entry> said;
+stimulus stimulus_of_recording(recording *file) {
+    builder built;
+    std::vector<record> said;
     bool panel_seen = false;
-    what.setup = simulator_fresh_device(device_image_path());
+    built.made.setup = simulator_fresh_device(device_image_path());
     if (file->header.taken) {
-        what.setup.properties = file->header.properties;
-        what.setup.answers = file->header.answers;
+        built.made.setup.properties = file->header.properties;
+        built.made.setup.answers = file->header.answers;
     }
-    std::set<std::string> in_vain;
     int64_t start_ns = 0;
     recording_line line;
     while (recording_next(file, &line)) {
         if (start_ns == 0)
             start_ns = line.time_ns;
         const int64_t time_ns = line.time_ns - start_ns;
-        what.end_ns = std::max(what.end_ns, time_ns);
-        if (line.kind == recording_interval)
-            add_interval(&what, time_ns, line.interval_us);
-        if (line.kind == recording_output && line.came.kind <= timeline_log)
-            said.push_back(line.came);
-        if (line.kind != recording_happening)
+        built.made.end_ns = std::max(built.made.end_ns, time_ns);
+        if (!line.is_happening) {
+            if (!file->header.taken && !built.started &&
+                (line.came.kind == record_kind::event || line.came.kind == record_kind::log))
+                said.push_back(line.came);
             continue;
-        panel_seen |= line.what.kind == recorded_panel;
-        for (const recorded_answer &answer : line.what.answers)
-            if (answer.kind == answer_missing)
-                in_vain.insert(answer.name);
-        add_answers(&what, line.what, time_ns, what.messages.empty());
-        add_happening(&what, line, time_ns);
+        }
+        panel_seen |= line.taken.kind == happening_kind::panel;
+        add_happening(&built, line.taken, time_ns);
     }
-    add_missing(&what, in_vain);
-    what.error = file->error;
-    what.remarks = file->remarks;
-    if (!file->header.taken && what.messages.empty())
-        add_told(&what, course_of_log(said, start_ns), panel_seen);
-    return what;
+    add_missing(&built);
+    built.made.error = file->error;
+    built.made.remarks = file->remarks;
+    if (!file->header.taken && !built.started)
+        add_told(&built.made, stimulus_of_log(said, start_ns), panel_seen);
+    return built.made;
 }
 
-course course_of_intervals(const std::vector<double> &intervals_us) {
-    course what;
-    what.setup = simulator_fresh_device(device_image_path());
-    course_add_message(&what, second_ns,
-                       make_text_message("powerhal", DVX_CODE_ACTIVITY, "game/.Game"));
-    course_add_message(&what, second_ns, make_text_message("powerhal", DVX_CODE_WINDOW, "game"));
-    course_add_message(&what, second_ns, make_message("powerhal", DVX_CODE_GAME, {0, 1, 60, 0}));
+stimulus stimulus_of_intervals(const std::vector<double> &intervals_us) {
+    stimulus made;
+    made.setup = simulator_fresh_device(device_image_path());
+    for (const dvx_message &message :
+         {make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_ACTIVITY, "game/.Game"),
+          make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_WINDOW, "game"),
+          make_message(DVX_CLIENT_POWERHAL, DVX_CODE_GAME, {0, 1, 60, 0})})
+        made.happenings.push_back(make_message_happening(message, second_ns));
     double time_ns = static_cast<double>(2 * second_ns);
     for (const double interval_us : intervals_us) {
         const double taken_us = std::clamp(interval_us, 0.0, interval_max_us);
         time_ns += taken_us * us_ns;
-        add_interval(&what, static_cast<int64_t>(time_ns),
-                     static_cast<int32_t>(std::lround(taken_us)));
+        made.happenings.push_back(make_interval_happening(
+            static_cast<int32_t>(std::lround(taken_us)), static_cast<int64_t>(time_ns)));
     }
-    what.end_ns = static_cast<int64_t>(time_ns);
-    return what;
+    made.end_ns = static_cast<int64_t>(time_ns);
+    return made;
 }
 
-std::string course_play(const course &what, const std::function<void(const moment &now)> &sink) {
-    // Timers that run before a step have moments of their own.
-    const auto pour = [&](moment now) {
-        for (timeline_entry &entry : take_simulated()) {
-            if (now.came.empty())
-                now.time_ns = entry.time_ns;
-            moment_add(&now, std::move(entry));
-        }
-        if (!now.came.empty())
-            sink(now);
+std::string stimulus_play(const stimulus &given, const step_taker &sink) {
+    // Timers that run before a happening have steps of their own.
+    happening timers;
+    timers.kind = happening_kind::timers;
+    const auto pour = [&](const happening &taken) {
+        step came = {taken, 0, "", simulator_take()};
+        if (came.records.empty())
+            return;
+        came.time_ns = came.records.front().time_ns;
+        sink(came);
     };
-    moment start;
-    start.kind = moment_start;
-    if (simulator_start(what.setup) != 0)
+    const auto pass_time = [&](int64_t until_ns) {
+        happening time;
+        time.kind = happening_kind::time;
+        time.time_ns = std::max<int64_t>(until_ns - simulator_now_ns(), 0);
+        take_up(time);
+        pour(timers);
+    };
+    happening start;
+    start.kind = happening_kind::start;
+    if (simulator_start(given.setup) != 0)
         return "the daemon does not start on this device";
     pour(start);
-    moment timers;
-    timers.kind = moment_timers;
-    std::vector<std::string> failing;
-    for (const course_step &step : what.steps) {
-        simulator_advance_ns(std::max<int64_t>(step.time_ns - simulator_now_ns(), 0));
-        pour(timers);
-        play_step(what, step);
-        pour(moment_of_step(what, step));
-        if (step.kind == course_connect) {
-            failing.push_back(step.name);
-            continue;
-        }
-        for (const std::string &service : failing)
-            simulator_set_service(service, service_up);
-        failing.clear();
+    for (const happening &each : given.happenings) {
+        pass_time(each.time_ns);
+        take_up(each);
+        pour(each);
     }
-    simulator_advance_ns(std::max<int64_t>(what.end_ns - simulator_now_ns(), 0));
-    pour(timers);
+    pass_time(given.end_ns);
     return {};
 }

@@ -1,0 +1,26 @@
+// What a replay came to, and as JSON with the fields of docs/recordings.md.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/explain/decision.h"
+#include "tools/recording/run_figures.h"
+#include "tools/simulated/replay.h"
+
+struct run_account {
+    run_figures figures;
+    int64_t duration_ns = 0;
+    std::vector<decision> decisions;  // where they were asked for
+};
+
+struct exact_replay {
+    run_account run;
+    replay_counts counts;
+    bool compared = false;
+    replay_difference difference;
+};
+
+// On one line each; `without` is the run without the settings, null where there are none.
+std::string exact_replay_line(const exact_replay &replayed, bool why);
+std::string modelled_replay_line(const run_account &run, const run_account *without, bool why);

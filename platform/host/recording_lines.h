@@ -33,6 +33,7 @@ struct recording_header {
     std::map<std::string, std::string> answers;
 };
 
+// The first line. Settings are numbers.
 std::string recording_header_line(const recording_header &header);
 
 // What was taken: `taken` is a message or a node's report, null for the other kinds; `given` is

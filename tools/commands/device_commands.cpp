@@ -35,7 +35,7 @@ struct arguments {
     bool why = false;
 };
 
-int create(const std::string &root, bool fresh) {
+int lay_out(const std::string &root, bool fresh) {
     const bool keep_conf = !fresh && device_conf_is_own(root);
     const std::string error = device_create(root, device_image_path(), keep_conf);
     if (!error.empty())
@@ -46,7 +46,7 @@ int create(const std::string &root, bool fresh) {
     return 0;
 }
 
-int start(const std::string &root) {
+int start_daemon(const std::string &root) {
     if (!device_exists(root))
         return fail_without_device(root);
     if (device_daemon_process(root) != 0)
@@ -61,7 +61,7 @@ int start(const std::string &root) {
     return 0;
 }
 
-int stop(const std::string &root) {
+int stop_daemon(const std::string &root) {
     const int pid = device_daemon_process(root);
     const result stopped = stop_device(root);
     if (stopped.kind != failure::none)
@@ -78,12 +78,12 @@ int report_node_error(const std::string &root, int error) {
     return fail(root + ": " + strerror(-error));
 }
 
-int panel(const std::string &root, bool on) {
+int report_panel(const std::string &root, bool on) {
     const int result = deliver_panel(root, on);
     return result == 0 ? 0 : report_node_error(root, result);
 }
 
-int property(const std::string &root, const std::string &name, const std::string *value) {
+int show_property(const std::string &root, const std::string &name, const std::string *value) {
     if (!device_exists(root))
         return fail_without_device(root);
     if (value == nullptr) {
@@ -115,12 +115,12 @@ void add_commands_of_device(CLI::App *parent, const std::string *root, int *exit
     auto fresh = std::make_shared<bool>(false);
     CLI::App *create_command = parent->add_subcommand("create", "Lay out a fresh device");
     add_fresh_flag(create_command, fresh.get());
-    create_command->callback([=] { *exit_code = create(*root, *fresh); });
+    create_command->callback([=] { *exit_code = lay_out(*root, *fresh); });
     parent->add_subcommand("start", "Start dvxd on the device")->callback([=] {
-        *exit_code = start(*root);
+        *exit_code = start_daemon(*root);
     });
     parent->add_subcommand("stop", "Stop the device's dvxd")->callback([=] {
-        *exit_code = stop(*root);
+        *exit_code = stop_daemon(*root);
     });
 
     parent->add_subcommand("services", "Stand in for the services that dvxd talks to")
@@ -131,7 +131,7 @@ void add_commands_of_device(CLI::App *parent, const std::string *root, int *exit
     panel_command->add_option("STATE", *state, "on or off")
         ->required()
         ->check(CLI::IsMember({"on", "off"}));
-    panel_command->callback([=] { *exit_code = panel(*root, *state == "on"); });
+    panel_command->callback([=] { *exit_code = report_panel(*root, *state == "on"); });
 
     add_device_frames_command(parent, root, exit_code);
 
@@ -141,7 +141,7 @@ void add_commands_of_device(CLI::App *parent, const std::string *root, int *exit
     prop_command->add_option("NAME", *name, "Its name")->required();
     const CLI::Option *given = prop_command->add_option("VALUE", *value, "Its new value");
     prop_command->callback(
-        [=] { *exit_code = property(*root, *name, given->count() > 0 ? value.get() : nullptr); });
+        [=] { *exit_code = show_property(*root, *name, given->count() > 0 ? value.get() : nullptr); });
 }
 
 }  // namespace

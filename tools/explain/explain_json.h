@@ -6,6 +6,7 @@
 
 #include "tools/explain/status.h"
 
+// A decision as a value, for whoever holds many.
 nlohmann::ordered_json decision_json(const decision &made);
 
 // The same on one line.

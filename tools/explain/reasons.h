@@ -67,6 +67,7 @@ struct reason_row {
     const char *detail;
 };
 
+// All of them, and one.
 std::span<const reason_row> reason_rows();
 const reason_row &reason_row_of(reason why);
 

@@ -8,8 +8,10 @@
 #include "tools/lab/run.h"
 #include "tools/lab/search.h"
 
+// What a game came to.
 std::string game_result_line(const game_result &result);
 
+// A set that was tried, or why it could not be.
 std::string tried_set_line(const tried_set &tried);
 
 // Reads a line of a set that was tried. False where it is none.

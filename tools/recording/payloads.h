@@ -52,8 +52,10 @@ struct payload_parameter {
     size_t longest = 0;                       // characters of the text
 };
 
+// Whether a parameter has a name, and no place.
 bool payload_is_option(const payload_parameter &parameter);
 
+// A kind's parameters, those with a place in its order.
 std::span<const payload_parameter> payload_parameters(payload_kind kind);
 
 // Takes the kind's words. What is wrong with them, or an empty text.

@@ -44,6 +44,7 @@ const char *record_word(record_kind kind);
 // travels.
 record make_log_record(int64_t time_ns, const std::string &text);
 
+// An event by its number.
 record make_event_record(int64_t time_ns, uint32_t event);
 
 // A call, "NAME ARGUMENT...".

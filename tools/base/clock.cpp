@@ -5,9 +5,9 @@
 namespace {
 
 int64_t read_clock(clockid_t clock) {
-    timespec now;
-    clock_gettime(clock, &now);
-    return static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec;
+    timespec time;
+    clock_gettime(clock, &time);
+    return static_cast<int64_t>(time.tv_sec) * 1000000000 + time.tv_nsec;
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 
 #include "core/events.h"
 #include "tools/commands/command_line.h"
-#include "tools/doctor/touched.h"
+#include "tools/doctor/dependencies.h"
 
 namespace {
 
@@ -71,9 +71,9 @@ std::vector<std::string> words_behind(const CLI::App *command) {
             if (event_name(id) != nullptr)
                 words.push_back(event_name(id));
     if (path_of(command) == " device prop")
-        for (const touched &thing : everything_touched)
-            if (thing.kind == touched_read || thing.kind == touched_set ||
-                thing.kind == touched_extension)
+        for (const dependency &thing : dependencies)
+            if (thing.kind == dependency_kind::read || thing.kind == dependency_kind::set ||
+                thing.kind == dependency_kind::extension)
                 words.push_back(thing.name);
     return words;
 }

@@ -140,8 +140,9 @@ void add_commands_of_device(CLI::App *parent, const std::string *root, int *exit
     CLI::App *prop_command = parent->add_subcommand("prop", "Show or set a system property");
     prop_command->add_option("NAME", *name, "Its name")->required();
     const CLI::Option *given = prop_command->add_option("VALUE", *value, "Its new value");
-    prop_command->callback(
-        [=] { *exit_code = show_property(*root, *name, given->count() > 0 ? value.get() : nullptr); });
+    prop_command->callback([=] {
+        *exit_code = show_property(*root, *name, given->count() > 0 ? value.get() : nullptr);
+    });
 }
 
 }  // namespace

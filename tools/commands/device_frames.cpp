@@ -50,9 +50,9 @@ struct progress {
     double all_us;
 };
 
-void show_progress(const progress &now, const frame_run &run, size_t all) {
-    const double part = now.all_us > 0 ? run.played_us / now.all_us : 1;
-    const double took_s = static_cast<double>(monotonic_ns() - now.start_ns) / 1e9;
+void show_progress(const progress &bar, const frame_run &run, size_t all) {
+    const double part = bar.all_us > 0 ? run.played_us / bar.all_us : 1;
+    const double took_s = static_cast<double>(monotonic_ns() - bar.start_ns) / 1e9;
     const long left_s = part > 0 ? std::lround(took_s * (1 - part) / part) : 0;
     fprintf(stderr, "\r%zu of %zu intervals, %ld:%02ld left\033[K", run.played, all, left_s / 60,
             left_s % 60);
@@ -84,24 +84,24 @@ int explain(const std::string &root, const frame_run &run, size_t all) {
 frame_run play(const std::string &root, const std::vector<int64_t> &intervals_us, double speed,
                frame_outcome *outcome) {
     const int64_t start_ns = monotonic_ns();
-    progress now = {isatty(STDERR_FILENO) != 0, start_ns, start_ns + look_ns, 0};
+    progress bar = {isatty(STDERR_FILENO) != 0, start_ns, start_ns + look_ns, 0};
     for (const int64_t interval_us : intervals_us)
-        now.all_us += static_cast<double>(interval_us);
+        bar.all_us += static_cast<double>(interval_us);
     struct sigaction action = {};
     struct sigaction before;
     action.sa_handler = note_interrupt;
     sigaction(SIGINT, &action, &before);
     const frame_run run = frame_play(root, intervals_us, speed, [&](const frame_run &far) {
-        if (monotonic_ns() >= now.next_ns) {
-            now.next_ns = monotonic_ns() + look_ns;
+        if (monotonic_ns() >= bar.next_ns) {
+            bar.next_ns = monotonic_ns() + look_ns;
             frame_outcome_take(outcome);
-            if (now.shown)
-                show_progress(now, far, intervals_us.size());
+            if (bar.shown)
+                show_progress(bar, far, intervals_us.size());
         }
         return interrupted == 0;
     });
     sigaction(SIGINT, &before, nullptr);
-    if (now.shown)
+    if (bar.shown)
         fprintf(stderr, "\r\033[K");
     return run;
 }

@@ -140,11 +140,11 @@ std::string man_page(const CLI::App *command, const std::string &date) {
     const std::string name = man_page_name(command);
     std::string title = name;
     std::transform(title.begin(), title.end(), title.begin(), toupper);
-    std::string what = command->get_description();
-    if (what.ends_with('.'))
-        what.pop_back();
+    std::string summary = command->get_description();
+    if (summary.ends_with('.'))
+        summary.pop_back();
     return ".Dd " + date + "\n.Dt " + title + " 1\n.Os\n.Sh NAME\n.Nm " + name + "\n.Nd " +
-           plain(what) + "\n" + synopsis(command) + ".Sh DESCRIPTION\n" +
+           plain(summary) + "\n" + synopsis(command) + ".Sh DESCRIPTION\n" +
            sentence(command->get_description()) + list_options(command) + footer_of(command) +
            list_commands(command) + list_exit_meanings() + see_also(command);
 }

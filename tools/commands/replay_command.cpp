@@ -12,7 +12,7 @@
 #include "tools/base/shown.h"
 #include "tools/base/terminal.h"
 #include "tools/base/words.h"
-#include "tools/explain/replay_json.h"
+#include "tools/explain/explain_json.h"
 #include "tools/explain/why.h"
 #include "tools/frames/frame_file.h"
 #include "tools/simulated/child_process.h"

@@ -22,9 +22,9 @@
 #include "tools/base/terminal.h"
 #include "tools/device/daemon_process.h"
 #include "tools/device/delivery.h"
+#include "tools/doctor/dependencies.h"
 #include "tools/doctor/elf_symbols.h"
 #include "tools/doctor/phone.h"
-#include "tools/doctor/touched.h"
 
 using nlohmann::ordered_json;
 
@@ -33,7 +33,7 @@ namespace {
 constexpr int wanted_priority = -20;
 constexpr double highest_hz = 60;  // that the analyser's buckets tell apart
 
-enum verdict { verdict_good, verdict_off, verdict_unknown };
+enum class verdict { good, off, unknown };
 
 struct finding {
     std::string subject;  // "library", "node", "property", "socket", "service", "rights", "panel"
@@ -87,31 +87,31 @@ elf_symbols find_library(const device_look &look, const std::vector<std::string>
     return first;
 }
 
-std::vector<std::string> library_paths(const device_look &look, const touched &thing) {
+std::vector<std::string> library_paths(const device_look &look, const dependency &thing) {
     const std::string name = thing.name;
-    if (thing.kind == touched_extension) {
+    if (thing.kind == dependency_kind::extension) {
         const std::string path = phone_property(look.options.root, name).value_or("");
         return path.empty() ? std::vector<std::string>() : std::vector<std::string>{path};
     }
-    if (thing.kind == touched_library)
+    if (thing.kind == dependency_kind::library)
         return {"/vendor/lib/" + name, "/vendor/lib64/" + name};
     return {"/vendor/lib64/" + name, "/vendor/lib/" + name, "/system/lib64/" + name,
             "/system/lib/" + name, "/odm/lib64/" + name};
 }
 
-void look_at_library(device_look *look, const touched &thing) {
+void look_at_library(device_look *look, const dependency &thing) {
     // Only a loader tells where the one that is linked lies; a daemon that runs has found it.
-    if (thing.kind == touched_linked && look->daemon != 0) {
-        add(look, "library", thing.name, verdict_good, "the daemon that runs has it");
+    if (thing.kind == dependency_kind::linked && look->daemon != 0) {
+        add(look, "library", thing.name, verdict::good, "the daemon that runs has it");
         return;
     }
-    if (thing.kind == touched_linked && device_exists(look->options.root)) {
-        add(look, "library", thing.name, verdict_good, "a stand-in comes with the daemon");
+    if (thing.kind == dependency_kind::linked && device_exists(look->options.root)) {
+        add(look, "library", thing.name, verdict::good, "a stand-in comes with the daemon");
         return;
     }
     const std::vector<std::string> paths = library_paths(*look, thing);
     if (paths.empty()) {
-        add(look, "library", thing.name, verdict_off, "the property is unset", thing.without);
+        add(look, "library", thing.name, verdict::off, "the property is unset", thing.without);
         return;
     }
     std::string where;
@@ -121,15 +121,16 @@ void look_at_library(device_look *look, const touched &thing) {
         if (!library.defined.contains(symbol))
             missing += std::string(missing.empty() ? "" : ", ") + symbol;
     if (!library.is_there && paths.size() > 1)
-        where = std::string(thing.name) +
-                (thing.kind == touched_linked ? ", in the library folders of /vendor, /system, /odm"
-                                              : ", below /vendor/lib or /vendor/lib64");
+        where =
+            std::string(thing.name) + (thing.kind == dependency_kind::linked
+                                           ? ", in the library folders of /vendor, /system, /odm"
+                                           : ", below /vendor/lib or /vendor/lib64");
     if (!library.error.empty())
-        add(look, "library", where, verdict_off, library.error, thing.without);
+        add(look, "library", where, verdict::off, library.error, thing.without);
     else if (!missing.empty())
-        add(look, "library", where, verdict_off, "lacks " + missing, thing.without);
+        add(look, "library", where, verdict::off, "lacks " + missing, thing.without);
     else
-        add(look, "library", where, verdict_good,
+        add(look, "library", where, verdict::good,
             "has " + std::string(thing.symbols.front()) +
                 (thing.symbols.size() > 1
                      ? " and " + std::to_string(thing.symbols.size() - 1) + " more"
@@ -150,64 +151,64 @@ bool signals_within(const std::string &path, double wait_s) {
     return count > 0 && (node.revents & POLLPRI) != 0;
 }
 
-void look_at_node(device_look *look, const touched &thing) {
+void look_at_node(device_look *look, const dependency &thing) {
     const std::string path = below(*look, thing.name);
     struct stat about;
     struct statfs system = {};
     if (stat(path.c_str(), &about) != 0) {
-        add(look, "node", thing.name, verdict_off, "is not there", thing.without);
+        add(look, "node", thing.name, verdict::off, "is not there", thing.without);
         return;
     }
     statfs(path.c_str(), &system);
     if (access(path.c_str(), R_OK) != 0)
-        add(look, "node", thing.name, verdict_off, "may not be read by this user", thing.without);
+        add(look, "node", thing.name, verdict::off, "may not be read by this user", thing.without);
     else if (S_ISFIFO(about.st_mode))
-        add(look, "node", thing.name, verdict_good, "a virtual device's pipe");
+        add(look, "node", thing.name, verdict::good, "a virtual device's pipe");
     else if (!S_ISREG(about.st_mode))
-        add(look, "node", thing.name, verdict_off, "is no file", thing.without);
+        add(look, "node", thing.name, verdict::off, "is no file", thing.without);
     else if (system.f_type != SYSFS_MAGIC && system.f_type != PROC_SUPER_MAGIC)
-        add(look, "node", thing.name, verdict_off, "is a plain file, which never signals",
+        add(look, "node", thing.name, verdict::off, "is a plain file, which never signals",
             thing.without);
     else if (look->options.wait_s > 0 && !signals_within(path, look->options.wait_s))
-        add(look, "node", thing.name, verdict_off, "an attribute that did not signal meanwhile",
+        add(look, "node", thing.name, verdict::off, "an attribute that did not signal meanwhile",
             thing.without);
     else
-        add(look, "node", thing.name, verdict_good,
+        add(look, "node", thing.name, verdict::good,
             look->options.wait_s > 0 ? "an attribute that signals" : "an attribute");
 }
 
 // ---- properties, sockets, services
 
-void look_at_property(device_look *look, const touched &thing) {
+void look_at_property(device_look *look, const dependency &thing) {
     const std::optional<std::string> value = phone_property(look->options.root, thing.name);
     if (!value)
-        add(look, "property", thing.name, verdict_unknown, "nobody here to ask");
+        add(look, "property", thing.name, verdict::unknown, "nobody here to ask");
     else
-        add(look, "property", thing.name, verdict_good,
-            !value->empty()              ? "\"" + *value + "\""
-            : thing.kind == touched_read ? std::string("unset: ") + thing.without
-                                         : "unset: the daemon sets it");
+        add(look, "property", thing.name, verdict::good,
+            !value->empty()                       ? "\"" + *value + "\""
+            : thing.kind == dependency_kind::read ? std::string("unset: ") + thing.without
+                                                  : "unset: the daemon sets it");
 }
 
-void look_at_socket(device_look *look, const touched &thing) {
-    const char *subject = thing.kind == touched_served ? "socket" : "service";
+void look_at_socket(device_look *look, const dependency &thing) {
+    const char *subject = thing.kind == dependency_kind::served ? "socket" : "service";
     if (access("/proc/net/unix", R_OK) != 0)
-        add(look, subject, thing.name, verdict_unknown, "the list of sockets may not be read");
+        add(look, subject, thing.name, verdict::unknown, "the list of sockets may not be read");
     else if (socket_is_taken(thing.name))
-        add(look, subject, thing.name, verdict_good, "somebody listens");
+        add(look, subject, thing.name, verdict::good, "somebody listens");
     else
-        add(look, subject, thing.name, verdict_off, "nobody listens", thing.without);
+        add(look, subject, thing.name, verdict::off, "nobody listens", thing.without);
 }
 
 // ---- rights and panel
 
 void look_at_rights(device_look *look) {
     if (look->daemon == 0) {
-        add(look, "rights", "dvxd", verdict_unknown, "no daemon runs");
+        add(look, "rights", "dvxd", verdict::unknown, "no daemon runs");
         return;
     }
     if (process_is_stopped(look->daemon)) {
-        add(look, "rights", "dvxd", verdict_off,
+        add(look, "rights", "dvxd", verdict::off,
             "process " + std::to_string(look->daemon) + " is stopped, as by a debugger",
             "no message is answered");
         return;
@@ -215,20 +216,20 @@ void look_at_rights(device_look *look) {
     const int priority = getpriority(PRIO_PROCESS, static_cast<id_t>(look->daemon));
     const std::string process = "process " + std::to_string(look->daemon);
     if (priority == wanted_priority)
-        add(look, "rights", "dvxd", verdict_good,
+        add(look, "rights", "dvxd", verdict::good,
             process + ", priority " + std::to_string(priority));
     else if (device_exists(look->options.root))
-        add(look, "rights", "dvxd", verdict_good,
+        add(look, "rights", "dvxd", verdict::good,
             process + ", priority " + std::to_string(priority) + "; a phone's has " +
                 std::to_string(wanted_priority));
     else
-        add(look, "rights", "dvxd", verdict_off,
+        add(look, "rights", "dvxd", verdict::off,
             process + ", priority " + std::to_string(priority) + ": it may not raise its own",
             "its decisions wait behind busy apps");
     const std::string context =
         read_file("/proc/" + std::to_string(look->daemon) + "/attr/current").c_str();
     if (phone_is_here(look->options.root) && !context.starts_with("u:r:dvxd:"))
-        add(look, "rights", "dvxd", verdict_off, "runs as " + context + ", not in its own domain",
+        add(look, "rights", "dvxd", verdict::off, "runs as " + context + ", not in its own domain",
             "the policy's rules for it do not hold");
 }
 
@@ -236,20 +237,20 @@ void look_at_panel(device_look *look) {
     const double hz = look->options.panel_hz > 0 ? look->options.panel_hz
                                                  : phone_panel_hz(look->options.root).value_or(0);
     if (hz == 0) {
-        add(look, "panel", "rate", verdict_unknown, "not known; --panel HZ says it");
+        add(look, "panel", "rate", verdict::unknown, "not known; --panel HZ says it");
         return;
     }
     char said[96];
     snprintf(said, sizeof(said), "%g frames per second", hz);
     if (hz > highest_hz + 1) {
-        add(look, "panel", "rate", verdict_off, said,
+        add(look, "panel", "rate", verdict::off, said,
             "games above 60 frames per second are taken for games of 60, and their caps lowered "
             "accordingly");
         return;
     }
     const uint32_t bucket = fia_bucket(static_cast<uint64_t>(interval_second / hz));
     snprintf(said, sizeof(said), "%g frames per second, in the bucket of %u", hz, 60 - 3 * bucket);
-    add(look, "panel", "rate", verdict_good, said);
+    add(look, "panel", "rate", verdict::good, said);
 }
 
 // ---- saying it
@@ -260,13 +261,13 @@ void print_findings(const std::vector<finding> &found) {
     size_t off = 0;
     for (const finding &each : found) {
         char begin[32];
-        snprintf(begin, sizeof(begin), "%-8s %-8s ", verdict_words[each.found],
+        snprintf(begin, sizeof(begin), "%-8s %-8s ", verdict_words[static_cast<size_t>(each.found)],
                  each.subject.c_str());
         const size_t indent = strlen(begin);
         print_folded(begin + shown(each.name + ": " + each.said), indent);
         if (!each.without.empty())
             print_folded(std::string(indent, ' ') + "without it: " + each.without, indent);
-        off += each.found == verdict_off ? 1 : 0;
+        off += each.found == verdict::off ? 1 : 0;
     }
     if (off == 0)
         printf("Nothing is off.\n");
@@ -279,7 +280,7 @@ void print_json(const doctor_options &options, const std::vector<finding> &found
     for (const finding &each : found)
         findings.push_back({{"subject", each.subject},
                             {"name", each.name},
-                            {"verdict", verdict_words[each.found]},
+                            {"verdict", verdict_words[static_cast<size_t>(each.found)]},
                             {"said", each.said},
                             {"without", each.without.empty() ? ordered_json(nullptr)
                                                              : ordered_json(each.without)}});
@@ -296,22 +297,22 @@ std::vector<finding> look_at_device(const doctor_options &options) {
                                              : "/proc/self/exe");
     if (!look.program.error.empty())  // another user's daemon
         look.program = elf_read("/proc/self/exe");
-    for (const touched &thing : everything_touched) {
+    for (const dependency &thing : dependencies) {
         switch (thing.kind) {
-            case touched_library:
-            case touched_linked:
-            case touched_extension:
+            case dependency_kind::library:
+            case dependency_kind::linked:
+            case dependency_kind::extension:
                 look_at_library(&look, thing);
                 break;
-            case touched_node:
+            case dependency_kind::node:
                 look_at_node(&look, thing);
                 break;
-            case touched_read:
-            case touched_set:
+            case dependency_kind::read:
+            case dependency_kind::set:
                 look_at_property(&look, thing);
                 break;
-            case touched_served:
-            case touched_called:
+            case dependency_kind::served:
+            case dependency_kind::called:
                 look_at_socket(&look, thing);
                 break;
         }
@@ -339,7 +340,7 @@ int doctor_command(doctor_options options, bool json) {
     else
         print_findings(found);
     for (const finding &each : found)
-        if (each.found == verdict_off)
+        if (each.found == verdict::off)
             return exit_found;
     return 0;
 }

@@ -43,12 +43,12 @@ struct run_reader : nlohmann::json_sax<nlohmann::json> {
         if (value > 0 || difference)
             stream->values.push_back(value);
         else
-            frame_tally_add(&stream->left_out, frame_omitted_not_positive, 0);
+            frame_tally_add(&stream->left_out, frame_omission::not_positive, 0);
         return true;
     }
     bool leave_out(const std::string &sample) {
         if (is_wanted())
-            frame_tally_add(&stream->left_out, frame_omitted_no_number, 0, sample);
+            frame_tally_add(&stream->left_out, frame_omission::no_number, 0, sample);
         return true;
     }
 

@@ -37,12 +37,12 @@ bool is_work_header(std::string_view line) {
 }
 
 // "** Graphics info for pid 4242 [com.example.app] **"
-void take_process(reading *now, std::string_view line) {
+void take_process(reading *dump, std::string_view line) {
     line.remove_prefix(line.find(process_mark) + sizeof(process_mark) - 1);
     const size_t open = line.find('[');
     const size_t close = line.find(']', open == line.npos ? 0 : open);
-    now->process = frame_trimmed(line.substr(0, open));
-    now->app =
+    dump->process = frame_trimmed(line.substr(0, open));
+    dump->app =
         open != line.npos && close != line.npos ? line.substr(open + 1, close - open - 1) : "";
 }
 
@@ -54,46 +54,46 @@ size_t find_column(const std::vector<std::string> &header, const std::string &wa
     return frame_no_column;
 }
 
-void begin_block(reading *now, std::string_view line) {
-    now->header = frame_csv_split(line, ',');
-    while (!now->header.empty() && now->header.back().empty())
-        now->header.pop_back();  // every line ends with a comma
-    now->known = now->header;
-    now->flags = find_column(now->header, "Flags");
-    now->column = find_column(now->header, now->wanted);
-    if (now->column == frame_no_column) {
+void begin_block(reading *dump, std::string_view line) {
+    dump->header = frame_csv_split(line, ',');
+    while (!dump->header.empty() && dump->header.back().empty())
+        dump->header.pop_back();  // every line ends with a comma
+    dump->known = dump->header;
+    dump->flags = find_column(dump->header, "Flags");
+    dump->column = find_column(dump->header, dump->wanted);
+    if (dump->column == frame_no_column) {
         std::string list;
-        for (const std::string &name : now->header)
+        for (const std::string &name : dump->header)
             list.append(list.empty() ? "" : ", ").append(name);
-        now->all->error = "no column '" + now->wanted + "'; there are: " + list;
+        dump->all->error = "no column '" + dump->wanted + "'; there are: " + list;
         return;
     }
-    now->all->column = now->header[now->column];
-    now->stream = now->app.empty() && now->process.empty()
-                      ? frame_gathered_stream(now->all, {})
-                      : frame_gathered_stream(now->all, {now->app, now->process});
-    now->stream->blocks.push_back(now->stream->values.size());
-    ++now->blocks;
+    dump->all->column = dump->header[dump->column];
+    dump->stream = dump->app.empty() && dump->process.empty()
+                       ? frame_gathered_stream(dump->all, {})
+                       : frame_gathered_stream(dump->all, {dump->app, dump->process});
+    dump->stream->blocks.push_back(dump->stream->values.size());
+    ++dump->blocks;
 }
 
-void take_row(reading *now, std::string_view line, size_t number) {
+void take_row(reading *dump, std::string_view line, size_t number) {
     const std::vector<std::string> cells = frame_csv_split(line, ',');
-    frame_tally *left_out = &now->stream->left_out;
-    const bool is_last = now->column + 1 == cells.size();
+    frame_tally *left_out = &dump->stream->left_out;
+    const bool is_last = dump->column + 1 == cells.size();
     long double flags = 0;
     long double value = 0;
     // What stands last in a row that is too short may have lost its end.
-    if (now->column >= cells.size() || (is_last && cells.size() < now->header.size()))
-        frame_tally_add(left_out, frame_omitted_cut_off, number);
-    else if (!frame_parse_number(cells[now->column], &value) ||
-             !frame_parse_number(cells[now->flags], &flags))
-        frame_tally_add(left_out, frame_omitted_no_number, number, cells[now->column]);
+    if (dump->column >= cells.size() || (is_last && cells.size() < dump->header.size()))
+        frame_tally_add(left_out, frame_omission::cut_off, number);
+    else if (!frame_parse_number(cells[dump->column], &value) ||
+             !frame_parse_number(cells[dump->flags], &flags))
+        frame_tally_add(left_out, frame_omission::no_number, number, cells[dump->column]);
     else if (flags != 0)
-        frame_tally_add(left_out, frame_omitted_flagged, number);
+        frame_tally_add(left_out, frame_omission::flagged, number);
     else if (value <= 0 || value >= no_time_yet)
-        frame_tally_add(left_out, frame_omitted_no_time, number);
+        frame_tally_add(left_out, frame_omission::no_time, number);
     else
-        now->stream->values.push_back(value);
+        dump->stream->values.push_back(value);
 }
 
 bool is_span(const std::string &column) {
@@ -115,36 +115,36 @@ bool frame_is_gfxinfo(const std::vector<std::string> &head) {
 }
 
 void frame_read_gfxinfo(frame_source *source, const frame_options &options, frame_gathered *all) {
-    reading now;
-    now.all = all;
-    now.wanted = options.column.empty() ? usual_column : options.column;
+    reading dump;
+    dump.all = all;
+    dump.wanted = options.column.empty() ? usual_column : options.column;
     all->format = "gfxinfo framestats";
     all->unit = "ns";
     all->ordered = true;
     for (std::string line; all->error.empty() && frame_source_next(source, &line);) {
         if (line.find(block_mark) != line.npos) {
-            now.header.clear();
+            dump.header.clear();
         } else if (line.find(process_mark) != line.npos) {
-            now.header.clear();
-            take_process(&now, line);
+            dump.header.clear();
+            take_process(&dump, line);
         } else if (is_header(line)) {
-            begin_block(&now, line);
+            begin_block(&dump, line);
         } else if (is_work_header(line)) {
-            now.has_work = true;
-        } else if (!now.header.empty() && !frame_trimmed(line).empty()) {
-            take_row(&now, line, source->line);
+            dump.has_work = true;
+        } else if (!dump.header.empty() && !frame_trimmed(line).empty()) {
+            take_row(&dump, line, source->line);
         }
     }
     all->times = options.difference || !is_span(all->column);
     if (!all->error.empty() || !source->error.empty())
         return;
-    if (now.known.empty())
-        all->error = now.has_work ? "its tables are the work of each frame (Draw, Prepare, "
-                                    "Process, Execute), not the intervals between frames; "
-                                    "dumpsys gfxinfo PACKAGE framestats has those"
-                                  : "dumpsys gfxinfo without frames; dumpsys gfxinfo PACKAGE "
-                                    "framestats has them";
-    else if (now.blocks > 1)
-        all->remarks.push_back("frames of " + std::to_string(now.blocks) +
+    if (dump.known.empty())
+        all->error = dump.has_work ? "its tables are the work of each frame (Draw, Prepare, "
+                                     "Process, Execute), not the intervals between frames; "
+                                     "dumpsys gfxinfo PACKAGE framestats has those"
+                                   : "dumpsys gfxinfo without frames; dumpsys gfxinfo PACKAGE "
+                                     "framestats has them";
+    else if (dump.blocks > 1)
+        all->remarks.push_back("frames of " + std::to_string(dump.blocks) +
                                " blocks, with no interval from one to the next");
 }

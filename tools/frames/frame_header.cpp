@@ -123,17 +123,17 @@ bool is_perfetto(const std::vector<std::string> &cells) {
                            "display_frame_token", "layer_name", "on_time_finish", "dur"});
 }
 
-void rank_cells(candidate *now) {
-    for (size_t i = 0; i < now->cells.size(); ++i) {
-        const size_t rank = rank_of(now->cells[i]);
-        if (rank < now->rank) {
-            now->rank = rank;
-            now->column = i;
+void rank_cells(candidate *found) {
+    for (size_t i = 0; i < found->cells.size(); ++i) {
+        const size_t rank = rank_of(found->cells[i]);
+        if (rank < found->rank) {
+            found->rank = rank;
+            found->column = i;
         }
     }
-    if (is_perfetto(now->cells)) {
-        now->rank = 0;
-        now->column = find_name(now->cells, "ts");
+    if (is_perfetto(found->cells)) {
+        found->rank = 0;
+        found->column = find_name(found->cells, "ts");
     }
 }
 

@@ -58,9 +58,9 @@ void frame_read_numbers(frame_source *source, const frame_options &options, fram
             return;
         }
         if (!parse_line(text, &value))
-            frame_tally_add(&stream->left_out, frame_omitted_no_number, source->line, text);
+            frame_tally_add(&stream->left_out, frame_omission::no_number, source->line, text);
         else if (value <= 0 && !options.difference)
-            frame_tally_add(&stream->left_out, frame_omitted_not_positive, source->line);
+            frame_tally_add(&stream->left_out, frame_omission::not_positive, source->line);
         else
             stream->values.push_back(value);
     }

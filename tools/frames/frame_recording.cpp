@@ -36,20 +36,20 @@ bool scan_interval(std::string_view line, long double *us) {
     return true;
 }
 
-enum line_kind { line_passed_over, line_interval, line_broken };
+enum class line_kind { passed_over, interval, broken };
 
 // A line that mentions intervals in another spelling, or in none that is whole.
 line_kind parse_interval(std::string_view line, long double *us) {
     const ordered_json object = json_read(line);
     if (object.is_discarded())
-        return find_in(line, interval_mark) != nullptr ? line_broken : line_passed_over;
+        return find_in(line, interval_mark) != nullptr ? line_kind::broken : line_kind::passed_over;
     if (!object.is_object() || object.value("in", ordered_json()) != "interval")
-        return line_passed_over;
+        return line_kind::passed_over;
     const auto value = object.find("us");
     if (value == object.end() || !value->is_number())
-        return line_broken;
+        return line_kind::broken;
     *us = static_cast<long double>(value->get<double>());
-    return line_interval;
+    return line_kind::interval;
 }
 
 std::string check_version(std::string_view line) {
@@ -85,14 +85,14 @@ void frame_read_recording(frame_source *source, const frame_options &options, fr
         if (!all->error.empty())
             return;
         long double us = 0;
-        const line_kind kind = scan_interval(line, &us)                  ? line_interval
+        const line_kind kind = scan_interval(line, &us)                  ? line_kind::interval
                                : find_in(line, interval_word) != nullptr ? parse_interval(line, &us)
-                                                                         : line_passed_over;
-        if (kind == line_broken)
-            frame_tally_add(&stream->left_out, frame_omitted_cut_off, source->line);
-        else if (kind == line_interval && us > 0)
+                                                                         : line_kind::passed_over;
+        if (kind == line_kind::broken)
+            frame_tally_add(&stream->left_out, frame_omission::cut_off, source->line);
+        else if (kind == line_kind::interval && us > 0)
             stream->values.push_back(us);
-        else if (kind == line_interval)
-            frame_tally_add(&stream->left_out, frame_omitted_not_positive, source->line);
+        else if (kind == line_kind::interval)
+            frame_tally_add(&stream->left_out, frame_omission::not_positive, source->line);
     }
 }

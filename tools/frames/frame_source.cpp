@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <iconv.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,47 +17,31 @@ constexpr char bom_utf8[] = "\xef\xbb\xbf";
 constexpr char bom_little[] = "\xff\xfe";
 constexpr char bom_big[] = "\xfe\xff";
 
-void append_utf8(std::string *text, uint32_t code) {
-    const auto put = [text](uint32_t byte) { text->push_back(static_cast<char>(byte)); };
-    if (code < 0x80) {
-        put(code);
-    } else if (code < 0x800) {
-        put(0xc0 | code >> 6);
-        put(0x80 | (code & 0x3f));
-    } else if (code < 0x10000) {
-        put(0xe0 | code >> 12);
-        put(0x80 | (code >> 6 & 0x3f));
-        put(0x80 | (code & 0x3f));
-    } else {
-        put(0xf0 | code >> 18);
-        put(0x80 | (code >> 12 & 0x3f));
-        put(0x80 | (code >> 6 & 0x3f));
-        put(0x80 | (code & 0x3f));
-    }
-}
-
-// Decodes whole characters of `raw` to the end of `text`; half a character waits for its rest.
+// Decodes whole characters of `raw` to the end of `text`; half a character waits for its rest, and
+// what is none becomes U+FFFD.
 void decode_utf16(frame_source *source) {
-    const auto unit_at = [source](size_t at) {
-        const auto first = static_cast<unsigned char>(source->raw[at]);
-        const auto second = static_cast<unsigned char>(source->raw[at + 1]);
-        return static_cast<uint32_t>(source->encoding == frame_utf16_little ? second << 8 | first
-                                                                            : first << 8 | second);
-    };
-    size_t at = 0;
-    for (; at + 1 < source->raw.size(); at += 2) {
-        uint32_t code = unit_at(at);
-        if (code >= 0xd800 && code < 0xdc00) {  // the first half of a pair
-            if (at + 3 >= source->raw.size() && !source->ended)
-                break;
-            const uint32_t low = at + 3 < source->raw.size() ? unit_at(at + 2) : 0;
-            const bool is_pair = low >= 0xdc00 && low < 0xe000;
-            code = is_pair ? 0x10000 + ((code - 0xd800) << 10) + (low - 0xdc00) : 0xfffd;
-            at += is_pair ? 2 : 0;
+    constexpr char replacement[] = "\xef\xbf\xbd";
+    const iconv_t decoder = iconv_open(
+        "UTF-8", source->encoding == frame_encoding::utf16_little ? "UTF-16LE" : "UTF-16BE");
+    char *at = source->raw.data();
+    size_t left = source->raw.size();
+    while (left > 1) {
+        char decoded[4096];
+        char *end = decoded;
+        size_t room = sizeof(decoded);
+        const bool whole = iconv(decoder, &at, &left, &end, &room) != static_cast<size_t>(-1);
+        const int error = whole ? 0 : errno;
+        source->text.append(decoded, end);
+        if (error == EINVAL && !source->ended)
+            break;
+        if (error == EILSEQ || error == EINVAL) {
+            source->text += replacement;
+            at += 2;
+            left -= 2;
         }
-        append_utf8(&source->text, code);
     }
-    source->raw.erase(0, std::min(at, source->raw.size()));
+    iconv_close(decoder);
+    source->raw.erase(0, source->raw.size() - left);
 }
 
 // Without a byte order mark, UTF-16 shows by the empty halves of its first two letters.
@@ -67,12 +52,13 @@ void find_encoding(frame_source *source) {
     if (raw.starts_with(bom_utf8)) {
         mark = strlen(bom_utf8);
     } else if (raw.starts_with(bom_little) || raw.starts_with(bom_big)) {
-        source->encoding = raw.starts_with(bom_little) ? frame_utf16_little : frame_utf16_big;
+        source->encoding =
+            raw.starts_with(bom_little) ? frame_encoding::utf16_little : frame_encoding::utf16_big;
         mark = 2;
     } else if (two_letters && raw[0] != 0 && raw[1] == 0 && raw[2] != 0 && raw[3] == 0) {
-        source->encoding = frame_utf16_little;
+        source->encoding = frame_encoding::utf16_little;
     } else if (two_letters && raw[0] == 0 && raw[1] != 0 && raw[2] == 0 && raw[3] != 0) {
-        source->encoding = frame_utf16_big;
+        source->encoding = frame_encoding::utf16_big;
     }
     raw.erase(0, mark);
     source->begun = true;
@@ -107,7 +93,7 @@ bool read_piece(frame_source *source) {
     source->text.erase(0, source->at);
     source->at = 0;
     const size_t before = source->text.size();
-    if (source->encoding == frame_utf8) {
+    if (source->encoding == frame_encoding::utf8) {
         source->text += source->raw;
         source->raw.clear();
     } else {

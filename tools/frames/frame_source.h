@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
-enum frame_encoding { frame_utf8, frame_utf16_little, frame_utf16_big };
+enum class frame_encoding { utf8, utf16_little, utf16_big };
 
 struct frame_source {
     int fd = -1;         // -1: all there is stands in `raw`
     bool ended = false;  // nothing more comes from `fd`
     bool begun = false;  // the encoding is known
-    frame_encoding encoding = frame_utf8;
+    frame_encoding encoding = frame_encoding::utf8;
     std::string raw;   // read and not decoded yet
     std::string text;  // decoded; given away up to `at`
     size_t at = 0;

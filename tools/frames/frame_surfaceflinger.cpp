@@ -38,11 +38,11 @@ bool find_column(const std::string &wanted, size_t *column) {
 
 void take_row(const std::vector<int64_t> &row, size_t column, size_t line, frame_stream *stream) {
     if (row.size() != std::size(columns))
-        frame_tally_add(&stream->left_out, frame_omitted_cut_off, line);
+        frame_tally_add(&stream->left_out, frame_omission::cut_off, line);
     else if (row[0] == 0 && row[1] == 0 && row[2] == 0)
-        frame_tally_add(&stream->left_out, frame_omitted_free_slot, line);
+        frame_tally_add(&stream->left_out, frame_omission::free_slot, line);
     else if (row[column] <= 0 || row[column] == INT64_MAX)
-        frame_tally_add(&stream->left_out, frame_omitted_no_time, line);
+        frame_tally_add(&stream->left_out, frame_omission::no_time, line);
     else
         stream->values.push_back(static_cast<long double>(row[column]));
 }
@@ -90,7 +90,8 @@ void frame_read_surfaceflinger(frame_source *source, const frame_options &option
         }
     }
     const auto &left_out = stream->left_out.by;
-    if (stream->values.empty() && left_out[frame_omitted_cut_off].count == 0 &&
-        left_out[frame_omitted_no_time].count == 0)
+    if (stream->values.empty() &&
+        left_out[static_cast<size_t>(frame_omission::cut_off)].count == 0 &&
+        left_out[static_cast<size_t>(frame_omission::no_time)].count == 0)
         all->error = "no frames, every row is zero: the layer's name is wrong, or it drew nothing";
 }

@@ -76,35 +76,35 @@ void note_clock(row_clock *clock, const frame_csv &csv) {
 }
 
 // The stream that a row belongs to; null where it says that of no stream.
-frame_stream *stream_of(reading *now, const frame_csv &csv) {
-    const std::vector<size_t> &cells = now->table.stream_cells;
+frame_stream *stream_of(reading *rows, const frame_csv &csv) {
+    const std::vector<size_t> &cells = rows->table.stream_cells;
     const auto name_of = [&csv](size_t cell) -> std::string {
         if (cell >= csv.count)
             return "";
         const std::string_view name = frame_trimmed(csv.cells[cell]);
         return frame_printable(name == "[NULL]" || name == "NULL" ? "" : name);
     };
-    bool same = now->last != nullptr && now->last->names.size() == cells.size();
+    bool same = rows->last != nullptr && rows->last->names.size() == cells.size();
     std::vector<std::string> names;
     for (size_t i = 0; i < cells.size(); ++i) {
         if (cells[i] != frame_no_column && cells[i] >= csv.count)
             return nullptr;
         names.push_back(name_of(cells[i]));
-        same = same && names.back() == now->last->names[i];
+        same = same && names.back() == rows->last->names[i];
     }
     if (!same)
-        now->last = frame_gathered_stream(now->all, names);
-    return now->last;
+        rows->last = frame_gathered_stream(rows->all, names);
+    return rows->last;
 }
 
 // Afterburner: names come again where a log goes on, and only rows of values count.
-bool is_value_row(reading *now, const frame_csv &csv) {
-    frame_table *table = &now->table;
+bool is_value_row(reading *rows, const frame_csv &csv) {
+    frame_table *table = &rows->table;
     const std::string_view tag = frame_trimmed(csv.cells[0]);
     if (!table->tagged)
         return true;
     if (tag == hml_names) {
-        const std::string wanted = frame_plain_name(now->all->column);
+        const std::string wanted = frame_plain_name(rows->all->column);
         table->column = frame_no_column;
         for (size_t i = 0; i < csv.count && table->column == frame_no_column; ++i)
             if (frame_plain_name(csv.cells[i]) == wanted)
@@ -113,61 +113,63 @@ bool is_value_row(reading *now, const frame_csv &csv) {
     return tag == hml_values;
 }
 
-void take_value(reading *now, const frame_csv &csv, frame_stream *stream, long double value) {
+void take_value(reading *rows, const frame_csv &csv, frame_stream *stream, long double value) {
     stream->values.push_back(value);
-    now->last_cells = csv.count;
-    note_clock(&now->clock, csv);
+    rows->last_cells = csv.count;
+    note_clock(&rows->clock, csv);
     long double rate = 0;
-    if (now->table.unit_by_rate && now->rate_products.size() < rates_looked_at &&
-        now->rate_column < csv.count && frame_parse_number(csv.cells[now->rate_column], &rate))
-        now->rate_products.push_back(static_cast<double>(rate * value));
+    if (rows->table.unit_by_rate && rows->rate_products.size() < rates_looked_at &&
+        rows->rate_column < csv.count && frame_parse_number(csv.cells[rows->rate_column], &rate))
+        rows->rate_products.push_back(static_cast<double>(rate * value));
 }
 
 // The header once more, where files were put together.
-bool is_header_again(const reading &now, std::string_view text) {
-    return !now.table.header.empty() && frame_plain_name(text) == frame_plain_name(now.all->column);
+bool is_header_again(const reading &rows, std::string_view text) {
+    return !rows.table.header.empty() &&
+           frame_plain_name(text) == frame_plain_name(rows.all->column);
 }
 
-void take_row(reading *now, const frame_csv &csv, size_t line) {
-    const frame_table &table = now->table;
-    if (csv.count == 0 || !is_value_row(now, csv))
+void take_row(reading *rows, const frame_csv &csv, size_t line) {
+    const frame_table &table = rows->table;
+    if (csv.count == 0 || !is_value_row(rows, csv))
         return;
     const bool has_cell = table.column < csv.count;
     const std::string_view text = has_cell ? frame_trimmed(csv.cells[table.column]) : "";
     long double value = 0;
     const bool is_number = frame_parse_number(text, &value);
-    if (!is_number && has_cell && is_header_again(*now, text))
+    if (!is_number && has_cell && is_header_again(*rows, text))
         return;
-    frame_stream *stream = stream_of(now, csv);
-    frame_tally *left_out = stream != nullptr ? &stream->left_out : &now->all->left_out;
+    frame_stream *stream = stream_of(rows, csv);
+    frame_tally *left_out = stream != nullptr ? &stream->left_out : &rows->all->left_out;
     // The last cell of a file that ends within a row may have lost its end.
-    const bool is_cut = now->is_cut && table.column + 1 == csv.count && csv.count < now->last_cells;
+    const bool is_cut =
+        rows->is_cut && table.column + 1 == csv.count && csv.count < rows->last_cells;
     if (!has_cell || stream == nullptr || is_cut)
-        frame_tally_add(left_out, frame_omitted_cut_off, line);
+        frame_tally_add(left_out, frame_omission::cut_off, line);
     else if (!is_number)
-        frame_tally_add(left_out, frame_omitted_no_number, line, text);
+        frame_tally_add(left_out, frame_omission::no_number, line, text);
     else if (table.times && (value < 0 || value >= no_time_yet))
-        frame_tally_add(left_out, frame_omitted_no_time, line);
+        frame_tally_add(left_out, frame_omission::no_time, line);
     else if (!table.times && value <= 0)
-        frame_tally_add(left_out, frame_omitted_not_positive, line);
+        frame_tally_add(left_out, frame_omission::not_positive, line);
     else
-        take_value(now, csv, stream, value);
+        take_value(rows, csv, stream, value);
 }
 
 // MangoHud's column holds whole microseconds or milliseconds under one name: the unit is the one in
 // which frames per second times their length come nearest to a second.
-void settle_unit_by_rate(reading *now) {
+void settle_unit_by_rate(reading *rows) {
     constexpr std::pair<const char *, double> in_a_second[] = {
         {"s", 0}, {"ms", 3}, {"us", 6}, {"ns", 9}};  // by their power of ten
-    const double product = frame_median(now->rate_products);
+    const double product = frame_median(rows->rate_products);
     for (const auto &[unit, power] : in_a_second)
         if (product > 0 && std::fabs(std::log10(product) - power) < 1)
-            now->all->unit = unit;
+            rows->all->unit = unit;
 }
 
-void begin_reading(reading *now) {
-    const frame_table &table = now->table;
-    frame_gathered *all = now->all;
+void begin_reading(reading *rows) {
+    const frame_table &table = rows->table;
+    frame_gathered *all = rows->all;
     all->format = table.format;
     all->column =
         table.header.empty() ? std::to_string(table.column + 1) : table.header[table.column];
@@ -180,20 +182,20 @@ void begin_reading(reading *now) {
         all->needs_name = !table.stream_cells.empty();
         all->stream_word = "of";
     }
-    now->rate_column = find_plain(table.header, "fps");
+    rows->rate_column = find_plain(table.header, "fps");
     if (table.tagged)
-        now->clock = {.column = 1, .dates = true};
+        rows->clock = {.column = 1, .dates = true};
     else if (table.format == "MangoHud")
-        now->clock.column = find_plain(table.header, "elapsed");
+        rows->clock.column = find_plain(table.header, "elapsed");
 }
 
 }  // namespace
 
 void frame_table_read(frame_source *source, const frame_table &table, frame_gathered *all) {
-    reading now;
-    now.table = table;
-    now.all = all;
-    begin_reading(&now);
+    reading rows;
+    rows.table = table;
+    rows.all = all;
+    begin_reading(&rows);
     frame_csv csv(table.delimiter);
     bool whole = true;
     bool is_header = !table.header.empty();  // a row of its own, which may have several lines
@@ -205,16 +207,16 @@ void frame_table_read(frame_source *source, const frame_table &table, frame_gath
             continue;
         row_line = whole ? source->line : row_line;
         whole = frame_csv_feed(&csv, line);
-        now.is_cut = frame_source_is_cut(*source);
+        rows.is_cut = frame_source_is_cut(*source);
         if (whole && !is_header)
-            take_row(&now, csv, row_line);
+            take_row(&rows, csv, row_line);
         is_header = is_header && !whole;
         if (!whole && csv.pending_bytes > row_bytes_max)
             break;
     }
     if (!whole && source->error.empty())
         all->error = "line " + std::to_string(row_line) + ": a quote is not closed";
-    settle_unit_by_rate(&now);
-    if (now.clock.begun && !table.times)
-        all->span_s = now.clock.last_s - now.clock.first_s;
+    settle_unit_by_rate(&rows);
+    if (rows.clock.begun && !table.times)
+        all->span_s = rows.clock.last_s - rows.clock.first_s;
 }

@@ -174,7 +174,7 @@ std::vector<double> take_differences(frame_stream *stream, bool ordered) {
         if (times[i] > times[i - 1])
             intervals.push_back(static_cast<double>(times[i] - times[i - 1]));
         else
-            frame_tally_add(&stream->left_out, frame_omitted_backwards, 0);
+            frame_tally_add(&stream->left_out, frame_omission::backwards, 0);
     }
     return intervals;
 }
@@ -210,7 +210,8 @@ void say_growth(const std::vector<double> &values, frame_file *file) {
 
 void check_left_out(const frame_tally &tally, size_t rows_with_value, frame_file *file) {
     const std::string in_column = file->column.empty() ? "" : " in column " + file->column;
-    const size_t without = file->left_out - tally.by[frame_omitted_free_slot].count;
+    const size_t without =
+        file->left_out - tally.by[static_cast<size_t>(frame_omission::free_slot)].count;
     const std::string why = file->left_out_why.empty() ? "" : ": " + file->left_out_why;
     if (rows_with_value == 0)
         file->error = "no row has a value" + in_column + why;
@@ -249,7 +250,7 @@ frame_stream *frame_gathered_stream(frame_gathered *all, const std::vector<std::
 }
 
 void frame_tally_add(frame_tally *tally, frame_omission why, size_t line, std::string_view sample) {
-    auto &kind = tally->by[why];
+    auto &kind = tally->by[static_cast<size_t>(why)];
     if (kind.count++ != 0)
         return;
     kind.line = line;
@@ -324,7 +325,7 @@ frame_file frame_gathered_finish(frame_gathered *all, const frame_options &optio
         if (value * unit->us <= INT32_MAX)
             file.intervals_us.push_back(value * unit->us);
         else
-            frame_tally_add(&chosen->left_out, frame_omitted_too_long, 0);
+            frame_tally_add(&chosen->left_out, frame_omission::too_long, 0);
     }
     merge_tally(&chosen->left_out, all->left_out);
     file.left_out = count_left_out(chosen->left_out);

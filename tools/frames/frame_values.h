@@ -12,15 +12,15 @@
 #include "tools/frames/frame_file.h"
 
 // Why a row is left out.
-enum frame_omission {
-    frame_omitted_no_number,
-    frame_omitted_not_positive,
-    frame_omitted_cut_off,
-    frame_omitted_flagged,
-    frame_omitted_no_time,
-    frame_omitted_free_slot,  // of a ring that is not full: no row at all, in the end
-    frame_omitted_backwards,
-    frame_omitted_too_long,
+enum class frame_omission {
+    no_number,
+    not_positive,
+    cut_off,
+    flagged,
+    no_time,
+    free_slot,  // of a ring that is not full: no row at all, in the end
+    backwards,
+    too_long,
 };
 constexpr size_t frame_omissions = 8;
 

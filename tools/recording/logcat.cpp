@@ -41,9 +41,9 @@ const char *read_zone(const char *at, long *ahead_s) {
 
 // Reads "[YYYY-]MM-DD HH:MM:SS.FRACTION [ZONE]"; where the line goes on, or null.
 const char *read_time(const char *at, int64_t now_ns, int64_t *time_ns, bool *has_year) {
-    const time_t now = static_cast<time_t>(now_ns / second_ns);
+    const time_t seconds_now = static_cast<time_t>(now_ns / second_ns);
     tm local;
-    localtime_r(&now, &local);
+    localtime_r(&seconds_now, &local);
     char fraction[digits_ns + 1];
     int length = 0;
     int year = 0;

@@ -8,6 +8,12 @@ void warn(const std::string &remark) {
     fprintf(stderr, "dvxctl: %s\n", shown(remark).c_str());
 }
 
+void warn_of(const std::string &name, const std::vector<std::string> &remarks) {
+    const std::string begin = name + ": ";
+    for (const std::string &remark : remarks)
+        warn(begin + remark);
+}
+
 int end_with(const result &came_out) {
     if (came_out.kind == failure::none)
         return 0;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 constexpr int exit_found = 1;      // it could not be done, or what was asked about is so
 constexpr int exit_input = 2;      // words or files of no use
@@ -26,6 +27,9 @@ constexpr exit_meaning exit_meanings[] = {
 // Says something beside a command's output, to standard error; what comes from outside may be in
 // it.
 void warn(const std::string &remark);
+
+// Says what there is to say of a file, or of a device.
+void warn_of(const std::string &name, const std::vector<std::string> &remarks);
 
 // How something that was asked for came out.
 enum class failure {

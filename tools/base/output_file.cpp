@@ -159,11 +159,9 @@ output_file output_continue(const std::string &path, size_t kept,
     if (!file.error.empty())
         return file;
     file.fd = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, usual_mode);
-    if (file.fd < 0)
-        fail(&file);
-    else if (flock(file.fd, LOCK_EX | LOCK_NB) != 0)
+    if (file.fd >= 0 && flock(file.fd, LOCK_EX | LOCK_NB) != 0)
         file.error = path + ": another program writes it";
-    else if (ftruncate(file.fd, static_cast<off_t>(kept)) != 0)
+    else if (file.fd < 0 || ftruncate(file.fd, static_cast<off_t>(kept)) != 0)
         fail(&file);
     return file;
 }

@@ -30,9 +30,8 @@ void print_decision(const decision &made, bool json) {
 
 // Says what a source's reader has to say of it. False where it is of no use.
 bool tell_source(const history_source &source, const std::string &name) {
-    for (const std::string &remark : source.remarks)
-        if (source.error.empty())
-            warn(name + ": " + remark);
+    if (source.error.empty())
+        warn_of(name, source.remarks);
     return source.error.empty();
 }
 

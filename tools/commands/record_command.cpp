@@ -92,8 +92,8 @@ result record_captured(const record_options &options, const follow_limit &limit,
     header.root = options.root;
     if (!write_line(out, complete_header(header, options.root)))
         return {};
-    const result captured = capture({options.root, options.log}, limit,
-                                    [&](const std::string &line) { return write_line(out, line); });
+    result captured = capture({options.root, options.log}, limit,
+                              [&](const std::string &line) { return write_line(out, line); });
     if (captured.kind == failure::none && out->file.error.empty())
         warn(
             "seen from outside: happenings of two threads within a millisecond may have come the "

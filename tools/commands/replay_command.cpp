@@ -100,11 +100,6 @@ void print_decisions(const run_account &run) {
         print_folded(decision_text(made), decision_indent);
 }
 
-void print_remarks(const std::string &path, const std::vector<std::string> &remarks) {
-    for (const std::string &remark : remarks)
-        warn(path + ": " + remark);
-}
-
 void print_side(const char *heading, const std::vector<std::string> &these,
                 const std::vector<std::string> &those) {
     constexpr size_t shown_before = 5;
@@ -164,7 +159,7 @@ int replay_recording(const std::string &path, recording *file, const simulated_f
     const double took_s = static_cast<double>(monotonic_ns() - before_ns) / second_ns;
     if (!wrong.empty())
         return refuse_file(path, wrong);
-    print_remarks(path, file->remarks);
+    warn_of(path, file->remarks);
     run.account.duration_ns = replayed.counts.duration_ns;
     figures_finish(&run.account.figures, run.account.duration_ns);
     replayed.run = std::move(run.account);
@@ -175,7 +170,7 @@ int replay_recording(const std::string &path, recording *file, const simulated_f
 std::string play(const stimulus &given, bool why, run_account *account) {
     replayed_run run;
     run.state = daemon_state_make(given.setup.figures);
-    const std::string wrong = stimulus_play(given, count_into(&run, why));
+    std::string wrong = stimulus_play(given, count_into(&run, why));
     run.account.duration_ns = given.end_ns;
     figures_finish(&run.account.figures, given.end_ns);
     *account = std::move(run.account);
@@ -246,7 +241,7 @@ int replay_modelled(const std::string &path, stimulus *given, const simulated_fi
     run_account without;
     if (!given->error.empty())
         return refuse_file(path, given->error);
-    print_remarks(path, given->remarks);
+    warn_of(path, given->remarks);
     given->setup.figures = figures;
     std::string wrong = settings_apply_all(&given->setup.figures, options.settings);
     if (!wrong.empty())

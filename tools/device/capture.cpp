@@ -178,7 +178,7 @@ result capture(const capture_sources &sources, const follow_limit &limit, const 
             return {failure::input,
                     "there is nothing to record: no node can be watched, and --log names no log"};
     }
-    const result captured = capture_phone(&watched, limit, take);
+    result captured = capture_phone(&watched, limit, take);
     if (captured.kind == failure::none && watched.log.lines > 0 && watched.log.of_daemon == 0)
         return {failure::input, watched.log_name + ": none of its " +
                                     std::to_string(watched.log.lines) +

@@ -20,6 +20,7 @@ constexpr char dumpsys[] = "/system/bin/dumpsys";
 // fails.
 std::optional<std::string> ask(std::vector<std::string> words) {
     std::vector<char *> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string &word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);

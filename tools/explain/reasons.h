@@ -61,8 +61,8 @@ enum class reason {
 // lacks a fact; of forms that a bar parts the first that lacks none counts.
 struct reason_row {
     reason why;
-    const char *word;
     decision_kind kind;
+    const char *word;
     const char *sentence;
     const char *detail;
 };

@@ -69,7 +69,7 @@ setting_list name_set(const std::vector<varied_figure> &figures, const figure_se
 // Applies a set. Empty, or why it cannot be.
 std::string apply_set(const setting_list &set, simulated_figures *figures) {
     for (const auto &[name, value] : set) {
-        const std::string wrong = setting_apply(figures, name, value);
+        std::string wrong = setting_apply(figures, name, value);
         if (!wrong.empty())
             return wrong;
     }

@@ -14,7 +14,7 @@
 namespace {
 
 constexpr int64_t second_ns = 1000000000;
-constexpr int64_t day_ns = 24 * 3600 * second_ns;
+constexpr int64_t day_ns = int64_t{24} * 3600 * second_ns;
 constexpr int64_t year_ns = 365 * day_ns;
 constexpr time_t seconds_max = INT64_MAX / 2 / second_ns;  // differences stay in 64 bits
 constexpr int digits_ns = 9;

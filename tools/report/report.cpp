@@ -27,8 +27,7 @@ std::string read_run(const std::string &path, report_run *run) {
         [&](const step &taken) { report_take(run, taken); });
     if (!source.error.empty())
         return path + ": " + source.error;
-    for (const std::string &remark : source.remarks)
-        warn(path + ": " + remark);
+    warn_of(path, source.remarks);
     run->title = std::filesystem::path(path).filename();
     run->device = source.device;
     run->daemon = source.daemon;

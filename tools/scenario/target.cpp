@@ -99,7 +99,7 @@ result play_frames(const device_life &life, const happening &frames) {
 
 result take_up_on_device(const device_life &life, const happening &given) {
     constexpr char simulator_alone[] = "this happens in the simulator alone";
-    const result lives = check_daemon_lives(life);
+    result lives = check_daemon_lives(life);
     if (lives.kind != failure::none)
         return lives;
     switch (given.kind) {

@@ -30,6 +30,7 @@ bool is_same(const record &recorded, const record &replayed, const std::string &
 
 std::vector<std::string> describe(const std::vector<record> &records) {
     std::vector<std::string> lines;
+    lines.reserve(records.size());
     for (const record &each : records)
         lines.push_back(std::string(record_word(each.kind)) + "  " + each.text + "  [" +
                         each.thread_name + "]");

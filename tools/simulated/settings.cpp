@@ -118,7 +118,7 @@ std::string settings_of_header(const recording_header &header, simulated_figures
 
 std::string settings_apply_all(simulated_figures *figures, const std::vector<std::string> &texts) {
     for (const std::string &text : texts) {
-        const std::string wrong = setting_apply_text(figures, text);
+        std::string wrong = setting_apply_text(figures, text);
         if (!wrong.empty())
             return wrong;
     }

@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "platform/host/json_text.h"
+#include "tools/explain/explain_json.h"
 #include "tools/explain/history.h"
 #include "tools/explain/why.h"
 #include "tools/recording/logcat.h"
@@ -158,4 +159,48 @@ TEST(Why, ExplainsWhatALogTells) {
               "profile (16.66 ms): the panel runs faster than 60 frames per second, and caps stay "
               "released\n"
               "30 frames per second asked: low power mode wants 30\n");
+}
+
+// A call that the library refused is told as refused, and has changed nothing; the next is taken.
+TEST(Why, KnowsWhatTheHardwareRefused) {
+    const auto message = [](int time_ns, const char *answer) {
+        return "{\"t\":" + std::to_string(time_ns) +
+               ",\"thread\":\"client_listener\",\"in\":\"message\",\"client\":\"powerhal\","
+               "\"code\":0,\"values\":[0,1,60],\"given\":[[0,\"answer\",\"" +
+               answer + "]]}\n";
+    };
+    const auto call = [](int time_ns, const char *text) {
+        return "{\"t\":" + std::to_string(time_ns) + ",\"thread\":\"client_listener\",\"hw\":\"" +
+               text + "\"}\n";
+    };
+    const std::string recorded =
+        std::string(header) + message(10, "enable_thermal_config.TCONF_GAME\",\"-1\"") +
+        call(11, "enable_thermal_config TCONF_GAME 1") + call(12, "request_fps 45") +
+        message(20, "enable_thermal_config.TCONF_GAME\",null") +
+        call(21, "enable_thermal_config TCONF_GAME 1");
+    daemon_state state = daemon_state_make({});
+    std::vector<std::string> told;
+    std::vector<size_t> thermal;
+    history_of_file(
+        temporary_file(recorded), [](const history_source &) {},
+        [&](const step &taken) {
+            for (const decision &made : why_take(&state, taken))
+                told.push_back(decision_line(made));
+            thermal.push_back(state.thermal.size());
+        });
+    ASSERT_EQ(told.size(), 3u);
+    EXPECT_EQ(state.rate, 45);
+    EXPECT_EQ(thermal, (std::vector<size_t>{0, 1}));
+    EXPECT_NE(told[0].find("\"reason\":\"rate_unknown\",\"numbers\":{\"fps\":45},"
+                           "\"moved\":[{\"what\":\"display\",\"from\":null,\"to\":45,"
+                           "\"unit\":\"fps\"}],\"answer\":0}"),
+              std::string::npos)
+        << told[0];
+    EXPECT_NE(told[1].find("\"text\":\"refused, as the hardware library answers -1: thermal "
+                           "configuration TCONF_GAME on\""),
+              std::string::npos)
+        << told[1];
+    EXPECT_NE(told[1].find("\"answer\":-1"), std::string::npos) << told[1];
+    EXPECT_NE(told[2].find("\"text\":\"thermal configuration TCONF_GAME on\""), std::string::npos)
+        << told[2];
 }

@@ -16,8 +16,6 @@
 
 namespace {
 
-bool root_is_needed = false;
-
 // The command that was being read when the words went wrong.
 CLI::App *deepest_command(CLI::App *app) {
     const std::vector<CLI::App *> parsed = app->get_subcommands();
@@ -83,7 +81,7 @@ int finish(int exit_code) {
 
 }  // namespace
 
-void command_line_build(CLI::App *app, std::string *root, int *exit_code,
+void command_line_build(CLI::App *app, command_context *context,
                         const std::vector<add_commands> &groups) {
     app->name("dvxctl");
     app->description("Talks to dvxd in words, and runs virtual devices for it.");
@@ -91,13 +89,14 @@ void command_line_build(CLI::App *app, std::string *root, int *exit_code,
     app->get_formatter()->column_width(22);
     app->fallthrough();
     app->set_version_flag("--version", "dvxctl " DVX_VERSION);
-    app->add_option("--root", *root, "Directory of the virtual device")->envname("DVXD_ROOT");
-    app->parse_complete_callback([root] {
-        if (root_is_needed && root->empty())
+    app->add_option("--root", context->root, "Directory of the virtual device")
+        ->envname("DVXD_ROOT");
+    app->parse_complete_callback([context] {
+        if (context->root_is_needed && context->root.empty())
             throw CLI::RequiredError("--root or DVXD_ROOT");
     });
     for (const add_commands add : groups)
-        add(app, root, exit_code);
+        add(app, context);
 }
 
 std::vector<const CLI::App *> command_line_below(const CLI::App *command) {
@@ -114,8 +113,8 @@ std::vector<const CLI::Option *> command_line_shared(const CLI::App *command) {
     return shared;
 }
 
-void command_line_needs_root(CLI::App *command) {
-    command->preparse_callback([](size_t) { root_is_needed = true; });
+void command_line_needs_root(CLI::App *command, command_context *context) {
+    command->preparse_callback([context](size_t) { context->root_is_needed = true; });
 }
 
 int command_line_run(int argc, char **argv, const std::vector<add_commands> &groups) {
@@ -123,10 +122,9 @@ int command_line_run(int argc, char **argv, const std::vector<add_commands> &gro
     signal(SIGPIPE, SIG_IGN);
     signal(SIGXFSZ, SIG_IGN);  // writing fails, and is said to
     signal(SIGBUS, end_with_a_cut_file);
-    std::string root;
-    int exit_code = 0;
+    command_context context;
     CLI::App app;
-    command_line_build(&app, &root, &exit_code, groups);
+    command_line_build(&app, &context, groups);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success &asked) {  // for help or the version
@@ -137,5 +135,5 @@ int command_line_run(int argc, char **argv, const std::vector<add_commands> &gro
     } catch (const std::exception &error) {
         return fail("internal error in '" + words_of(deepest_command(&app)) + "': " + error.what());
     }
-    return finish(exit_code);
+    return finish(context.exit_code);
 }

@@ -4,14 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "tools/commands/cli_fwd.h"
+#include "tools/commands/command_context.h"
 
-// Adds commands to `parent`. `root` is the device's directory and outlives the parsing; what a
-// command answers becomes `*exit_code`.
-using add_commands = void (*)(CLI::App *parent, const std::string *root, int *exit_code);
+// Adds commands to `parent`.
+using add_commands = void (*)(CLI::App *parent, command_context *context);
 
 // Puts the command line together: help, version and root, then the commands.
-void command_line_build(CLI::App *app, std::string *root, int *exit_code,
+void command_line_build(CLI::App *app, command_context *context,
                         const std::vector<add_commands> &groups);
 
 // The commands directly below one, in the order of its help.
@@ -21,7 +20,7 @@ std::vector<const CLI::App *> command_line_below(const CLI::App *command);
 std::vector<const CLI::Option *> command_line_shared(const CLI::App *command);
 
 // The command and what stands below it are of no use without a root.
-void command_line_needs_root(CLI::App *command);
+void command_line_needs_root(CLI::App *command, command_context *context);
 
 // Reads the words, runs what they say, and says what is wrong with them. dvxctl's exit status.
 int command_line_run(int argc, char **argv, const std::vector<add_commands> &groups);

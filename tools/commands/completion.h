@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/commands/cli_fwd.h"
+#include "tools/commands/command_context.h"
 
 // A function of POSIX shell, `_dvxctl_words WORD...`, that prints a line a word that may follow;
 // none where a file may.

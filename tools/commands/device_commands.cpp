@@ -110,30 +110,31 @@ int spare_conf(const std::string &root, bool fresh) {
                   " was changed by hand; give another --root, or --fresh to replace it");
 }
 
-void add_commands_of_device(CLI::App *parent, const std::string *root, int *exit_code) {
+void add_commands_of_device(CLI::App *parent, command_context *context) {
     parent->require_subcommand(1);
     auto fresh = std::make_shared<bool>(false);
     CLI::App *create_command = parent->add_subcommand("create", "Lay out a fresh device");
     add_fresh_flag(create_command, fresh.get());
-    create_command->callback([=] { *exit_code = lay_out(*root, *fresh); });
+    create_command->callback([=] { context->exit_code = lay_out(context->root, *fresh); });
     parent->add_subcommand("start", "Start dvxd on the device")->callback([=] {
-        *exit_code = start_daemon(*root);
+        context->exit_code = start_daemon(context->root);
     });
     parent->add_subcommand("stop", "Stop the device's dvxd")->callback([=] {
-        *exit_code = stop_daemon(*root);
+        context->exit_code = stop_daemon(context->root);
     });
 
     parent->add_subcommand("services", "Stand in for the services that dvxd talks to")
-        ->callback([=] { *exit_code = serve_services(*root, true); });
+        ->callback([=] { context->exit_code = serve_services(context->root, true); });
 
     auto state = std::make_shared<std::string>();
     CLI::App *panel_command = parent->add_subcommand("panel", "Report the panel's power");
     panel_command->add_option("STATE", *state, "on or off")
         ->required()
         ->check(CLI::IsMember({"on", "off"}));
-    panel_command->callback([=] { *exit_code = report_panel(*root, *state == "on"); });
+    panel_command->callback(
+        [=] { context->exit_code = report_panel(context->root, *state == "on"); });
 
-    add_device_frames_command(parent, root, exit_code);
+    add_device_frames_command(parent, context);
 
     auto name = std::make_shared<std::string>();
     auto value = std::make_shared<std::string>();
@@ -141,23 +142,25 @@ void add_commands_of_device(CLI::App *parent, const std::string *root, int *exit
     prop_command->add_option("NAME", *name, "Its name")->required();
     const CLI::Option *given = prop_command->add_option("VALUE", *value, "Its new value");
     prop_command->callback([=] {
-        *exit_code = show_property(*root, *name, given->count() > 0 ? value.get() : nullptr);
+        context->exit_code =
+            show_property(context->root, *name, given->count() > 0 ? value.get() : nullptr);
     });
 }
 
 }  // namespace
 
-void add_device_commands(CLI::App *parent, const std::string *root, int *exit_code) {
+void add_device_commands(CLI::App *parent, command_context *context) {
     auto given = std::make_shared<arguments>();
     CLI::App *device = parent->add_subcommand("device", "Virtual devices")->group("Virtual device");
     CLI::App *watch =
         parent->add_subcommand("watch", "Follow a device as one timeline")->group("Virtual device");
     CLI::App *day = parent->add_subcommand("day", "Play a short day on a fresh device")
                         ->group("Virtual device");
-    add_commands_of_device(device, root, exit_code);
+    add_commands_of_device(device, context);
     watch->add_flag("--brief", given->brief, "Without start-up's tables and the book-keeping");
     watch->add_flag("--why", given->why, "Each line of the log in words beneath it");
-    watch->callback([=] { *exit_code = watch_device(*root, given->brief, given->why); });
+    watch->callback(
+        [=] { context->exit_code = watch_device(context->root, given->brief, given->why); });
     CLI::App *play =
         parent->add_subcommand("play", "Play scenarios and hold what must follow against it")
             ->group("Virtual device");
@@ -170,23 +173,23 @@ void add_device_commands(CLI::App *parent, const std::string *root, int *exit_co
     play->add_option("--only", given->only, "The scenario of that name alone");
     play->add_flag("--show", given->all, "Print each line with what followed it");
     play->callback([=] {
-        if (given->time != virtual_time && root->empty())
+        if (given->time != virtual_time && context->root.empty())
             throw CLI::RequiredError("--root or DVXD_ROOT");
         if (given->time != virtual_time)
-            *exit_code = spare_conf(*root, given->fresh);
-        if (*exit_code == 0)
-            *exit_code = play_file(given->file, given->only, *root,
-                                   parse_speed(given->time, virtual_time), given->all);
+            context->exit_code = spare_conf(context->root, given->fresh);
+        if (context->exit_code == 0)
+            context->exit_code = play_file(given->file, given->only, context->root,
+                                           parse_speed(given->time, virtual_time), given->all);
     });
     day->add_flag("--stay", given->stay, "Leave device and daemon up");
     day->add_flag("--all", given->all, "Show everything that happens, not what changes in effect");
     day->callback([=] {
-        *exit_code = spare_conf(*root, given->fresh);
-        if (*exit_code == 0)
-            *exit_code = play_day(*root, given->stay, given->all);
+        context->exit_code = spare_conf(context->root, given->fresh);
+        if (context->exit_code == 0)
+            context->exit_code = play_day(context->root, given->stay, given->all);
     });
     add_fresh_flag(play, &given->fresh);
     add_fresh_flag(day, &given->fresh);
     for (CLI::App *command : {device, watch, day})
-        command_line_needs_root(command);
+        command_line_needs_root(command, context);
 }

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/commands/cli_fwd.h"
+#include "tools/commands/command_context.h"
 
 // Adds them, as `add_commands` has it.
-void add_device_commands(CLI::App *parent, const std::string *root, int *exit_code);
+void add_device_commands(CLI::App *parent, command_context *context);

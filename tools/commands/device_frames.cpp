@@ -142,7 +142,7 @@ int play_file(const std::string &root, const arguments &given) {
 
 }  // namespace
 
-void add_device_frames_command(CLI::App *device, const std::string *root, int *exit_code) {
+void add_device_frames_command(CLI::App *device, command_context *context) {
     auto given = std::make_shared<arguments>();
     CLI::App *command = device->add_subcommand(
         "frames",
@@ -159,5 +159,5 @@ void add_device_frames_command(CLI::App *device, const std::string *root, int *e
     command->add_option("--rate", given->rate, "real, max, or N times real time")
         ->check([](const std::string &text) { return check_speed(text, as_fast_as_taken); })
         ->capture_default_str();
-    command->callback([=] { *exit_code = play_file(*root, *given); });
+    command->callback([=] { context->exit_code = play_file(context->root, *given); });
 }

@@ -5,7 +5,7 @@
 
 #include "tools/doctor/doctor.h"
 
-void add_doctor_command(CLI::App *parent, const std::string *root, int *exit_code) {
+void add_doctor_command(CLI::App *parent, command_context *context) {
     struct arguments {
         doctor_options options;
         bool json = false;
@@ -24,7 +24,7 @@ void add_doctor_command(CLI::App *parent, const std::string *root, int *exit_cod
         ->check(CLI::Range(0.0, 3600.0));
     command->add_flag("--json", given->json, "One object");
     command->callback([=] {
-        given->options.root = *root;
-        *exit_code = doctor_command(given->options, given->json);
+        given->options.root = context->root;
+        context->exit_code = doctor_command(given->options, given->json);
     });
 }

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/commands/cli_fwd.h"
+#include "tools/commands/command_context.h"
 
 // Registers it.
-void add_doctor_command(CLI::App *parent, const std::string *root, int *exit_code);
+void add_doctor_command(CLI::App *parent, command_context *context);

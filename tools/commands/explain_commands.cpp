@@ -84,7 +84,7 @@ int status_command(const std::string &root, const std::string &file, bool json) 
     return 0;
 }
 
-void add_explain_commands(CLI::App *parent, const std::string *root, int *exit_code) {
+void add_explain_commands(CLI::App *parent, command_context *context) {
     auto given = std::make_shared<arguments>();
     CLI::App *why =
         parent
@@ -94,9 +94,9 @@ void add_explain_commands(CLI::App *parent, const std::string *root, int *exit_c
                     "A recording or a log, - for standard input; else the root's daemon, live");
     why->add_flag("--json", given->json, "An object a decision");
     why->callback([=] {
-        if (given->file.empty() && root->empty())
+        if (given->file.empty() && context->root.empty())
             throw CLI::RequiredError("FILE, --root or DVXD_ROOT");
-        *exit_code = why_command(given->file, *root, given->json);
+        context->exit_code = why_command(given->file, context->root, given->json);
     });
     CLI::App *status =
         parent->add_subcommand("status", "What a daemon does now, as far as it tells")
@@ -104,8 +104,8 @@ void add_explain_commands(CLI::App *parent, const std::string *root, int *exit_c
     status->add_option("--log", given->file, "From a log or a recording; - for standard input");
     status->add_flag("--json", given->json, "One object");
     status->callback([=] {
-        if (given->file.empty() && root->empty())
+        if (given->file.empty() && context->root.empty())
             throw CLI::RequiredError("--log, --root or DVXD_ROOT");
-        *exit_code = status_command(*root, given->file, given->json);
+        context->exit_code = status_command(context->root, given->file, given->json);
     });
 }

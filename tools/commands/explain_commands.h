@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/commands/cli_fwd.h"
+#include "tools/commands/command_context.h"
 
 // Prints each decision, of a recording or a log, or of the daemon on `root` as it goes on where
 // `path` is empty. The exit status: 0; 2 for what cannot be read; 3 where no daemon runs.
@@ -14,4 +14,4 @@ int why_command(const std::string &path, const std::string &root, bool json);
 int status_command(const std::string &root, const std::string &file, bool json);
 
 // Registers them.
-void add_explain_commands(CLI::App *parent, const std::string *root, int *exit_code);
+void add_explain_commands(CLI::App *parent, command_context *context);

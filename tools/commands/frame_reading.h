@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/commands/cli_fwd.h"
+#include "tools/commands/command_context.h"
 #include "tools/frames/frame_file.h"
 
 // Adds the options that overrule what a file says; `options` outlives the parsing.

@@ -104,7 +104,7 @@ void frame_add_options(CLI::App *command, frame_options *options) {
                         "Whose frames, where a file mixes several; else of whom there are most");
 }
 
-void add_frames_commands(CLI::App *app, const std::string *, int *exit_code) {
+void add_frames_commands(CLI::App *app, command_context *context) {
     auto given = std::make_shared<arguments>();
     CLI::App *command =
         app->add_subcommand("frames", "Say what frame files hold, by format and in figures")
@@ -116,5 +116,5 @@ void add_frames_commands(CLI::App *app, const std::string *, int *exit_code) {
         ->required();
     frame_add_options(command, &given->options);
     command->add_flag("--json", given->json, "An object a file, in a line each");
-    command->callback([=] { *exit_code = show(*given); });
+    command->callback([=] { context->exit_code = show(*given); });
 }

@@ -170,7 +170,7 @@ void add_set_option(CLI::App *command, arguments *given) {
 
 }  // namespace
 
-void add_lab_commands(CLI::App *app, const std::string *, int *exit_code) {
+void add_lab_commands(CLI::App *app, command_context *context) {
     auto given = std::make_shared<arguments>();
     given->setup.jobs = static_cast<int>(std::max(std::thread::hardware_concurrency(), 1u));
     CLI::App *lab =
@@ -209,12 +209,12 @@ void add_lab_commands(CLI::App *app, const std::string *, int *exit_code) {
     merge->footer("With --json an object, as of search.");
     lab->callback([=] {
         if (search->parsed())
-            *exit_code = run_search(given.get());
+            context->exit_code = run_search(given.get());
         else if (merge->parsed())
-            *exit_code = merge_command(given->files, given->search.max_loss, given->json);
+            context->exit_code = merge_command(given->files, given->search.max_loss, given->json);
         else if (table->parsed())
-            *exit_code = write_table(given.get());
+            context->exit_code = write_table(given.get());
         else
-            *exit_code = run_lab(given.get());
+            context->exit_code = run_lab(given.get());
     });
 }

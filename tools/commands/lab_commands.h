@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "tools/commands/cli_fwd.h"
+#include "tools/commands/command_context.h"
 
 // Adds the command and its own; `exit_code` gets what the one that was given came to: 0; 1 where a
 // cap was left behind or no set is good enough; 2 for words and files of no use.
-void add_lab_commands(CLI::App *app, const std::string *root, int *exit_code);
+void add_lab_commands(CLI::App *app, command_context *context);

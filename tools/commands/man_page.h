@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/commands/cli_fwd.h"
+#include "tools/commands/command_context.h"
 
 // The page of a command, or of dvxctl itself, in mdoc. `date` as "November 23, 2026".
 std::string man_page(const CLI::App *command, const std::string &date);

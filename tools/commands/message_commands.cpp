@@ -114,13 +114,13 @@ void add_payload_options(payload_kind kind, CLI::App *command, payload_words *gi
 
 }  // namespace
 
-void add_message_commands(CLI::App *parent, const std::string *root, int *exit_code) {
+void add_message_commands(CLI::App *parent, command_context *context) {
     auto given = std::make_shared<arguments>();
     for (const message_word &word : message_words) {
         CLI::App *command = parent->add_subcommand(word.word, word.help)->group("Messages");
         add_payload_options(word.payload, command, &given->payload);
-        command->callback([&word, given, root, exit_code] {
-            *exit_code = send(make_word_message(word, given->payload), *root);
+        command->callback([&word, given, context] {
+            context->exit_code = send(make_word_message(word, given->payload), context->root);
         });
     }
     CLI::App *raw = parent->add_subcommand("raw", "Any message")->group("Messages");
@@ -136,12 +136,12 @@ void add_message_commands(CLI::App *parent, const std::string *root, int *exit_c
     raw->callback([=] {
         const bool is_text = text->count() > 0;
         const char *client = given->client.c_str();
-        *exit_code = send(is_text ? make_text_message(client, given->code, given->text)
-                                  : make_message(client, given->code, given->values),
-                          *root);
+        context->exit_code = send(is_text ? make_text_message(client, given->code, given->text)
+                                          : make_message(client, given->code, given->values),
+                                  context->root);
     });
     CLI::App *events = parent->add_subcommand("events", "Every event with its name");
     events->add_option("EVENT", given->events, "Only these, by name or number")->type_name("EVENT");
     events->add_flag("--json", given->json, "An object an event, in a line each");
-    events->callback([=] { *exit_code = print_events(given->events, given->json); });
+    events->callback([=] { context->exit_code = print_events(given->events, given->json); });
 }

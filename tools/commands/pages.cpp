@@ -25,10 +25,9 @@ int main(int argc, char **argv) {
         return 2;
     const fs::path folder = argv[1];
     fs::create_directories(folder);
-    std::string root;
-    int exit_code = 0;
+    command_context context;
     CLI::App app;
-    command_line_build(&app, &root, &exit_code, desk_commands);
+    command_line_build(&app, &context, desk_commands);
     write_pages(&app, folder, argv[2]);
     std::ofstream bash(folder / "dvxctl.bash"), zsh(folder / "_dvxctl");
     bash << completion_for_bash(&app);

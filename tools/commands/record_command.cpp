@@ -135,7 +135,7 @@ int record_command(const record_options &options) {
     return 0;
 }
 
-void add_record_command(CLI::App *parent, const std::string *root, int *exit_code) {
+void add_record_command(CLI::App *parent, command_context *context) {
     auto given = std::make_shared<record_options>();
     CLI::App *command =
         parent->add_subcommand("record", "Record what a daemon takes up and what comes of it")
@@ -151,7 +151,7 @@ void add_record_command(CLI::App *parent, const std::string *root, int *exit_cod
     command->add_option("--log", given->log,
                         "A phone's log, from logcat -v threadtime; - for standard input");
     command->callback([=] {
-        given->root = *root;
-        *exit_code = record_command(*given);
+        given->root = context->root;
+        context->exit_code = record_command(*given);
     });
 }

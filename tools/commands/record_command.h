@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/commands/cli_fwd.h"
+#include "tools/commands/command_context.h"
 
 struct record_options {
     std::string root;  // of a virtual device; empty: this machine is the phone
@@ -17,4 +17,4 @@ struct record_options {
 int record_command(const record_options &options);
 
 // Registers it.
-void add_record_command(CLI::App *parent, const std::string *root, int *exit_code);
+void add_record_command(CLI::App *parent, command_context *context);

@@ -315,7 +315,7 @@ int replay_command(const std::string &path, const replay_options &options) {
     return replay_modelled(path, &given, figures, options);
 }
 
-void add_replay_command(CLI::App *parent, const std::string *, int *exit_code) {
+void add_replay_command(CLI::App *parent, command_context *context) {
     struct arguments {
         std::string file;
         replay_options options;
@@ -332,5 +332,5 @@ void add_replay_command(CLI::App *parent, const std::string *, int *exit_code) {
         ->allow_extra_args(false);
     command->add_flag("--why", given->options.why, "Each decision in a sentence");
     command->add_flag("--json", given->options.json, "The figures as one JSON object");
-    command->callback([=] { *exit_code = replay_command(given->file, given->options); });
+    command->callback([=] { context->exit_code = replay_command(given->file, given->options); });
 }

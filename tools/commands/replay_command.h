@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/commands/cli_fwd.h"
+#include "tools/commands/command_context.h"
 
 struct replay_options {
     bool compare = false;               // hold what follows against what was recorded
@@ -17,4 +17,4 @@ struct replay_options {
 int replay_command(const std::string &path, const replay_options &options);
 
 // Registers it.
-void add_replay_command(CLI::App *parent, const std::string *root, int *exit_code);
+void add_replay_command(CLI::App *parent, command_context *context);

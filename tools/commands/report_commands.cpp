@@ -16,7 +16,7 @@ struct arguments {
 
 }  // namespace
 
-void add_report_commands(CLI::App *parent, const std::string *, int *exit_code) {
+void add_report_commands(CLI::App *parent, command_context *context) {
     auto given = std::make_shared<arguments>();
     CLI::App *report =
         parent->add_subcommand("report", "One page that shows what the daemon did to a game")
@@ -29,7 +29,7 @@ void add_report_commands(CLI::App *parent, const std::string *, int *exit_code) 
         ->add_option("--set", given->report.settings,
                      "NAME=VALUE: the replay with another figure is the second")
         ->allow_extra_args(false);
-    report->callback([=] { *exit_code = report_command(given->report); });
+    report->callback([=] { context->exit_code = report_command(given->report); });
     CLI::App *exported =
         parent->add_subcommand("export", "A recording for other programs")->group("Recordings");
     exported->add_option("FILE", given->file, "A recording; - for standard input")->required();
@@ -38,5 +38,5 @@ void add_report_commands(CLI::App *parent, const std::string *, int *exit_code) 
         ->check(CLI::IsMember({"trace", "csv"}));
     exported->add_option("--out", given->out, "The file; else standard output");
     exported->callback(
-        [=] { *exit_code = export_command(given->file, given->format, given->out); });
+        [=] { context->exit_code = export_command(given->file, given->format, given->out); });
 }

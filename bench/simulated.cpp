@@ -13,6 +13,7 @@
 #include "fia/interval_decision.h"
 #include "simulator/simulator.h"
 #include "tools/base/clock.h"
+#include "tools/lab/games.h"
 #include "tools/lab/run.h"
 #include "tools/recording/messages.h"
 #include "tools/simulated/child_process.h"

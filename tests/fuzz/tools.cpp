@@ -12,13 +12,14 @@
 #include "tools/explain/why.h"
 #include "tools/frames/frame_figures.h"
 #include "tools/frames/frame_file.h"
-#include "tools/lab/model.h"
+#include "tools/lab/games.h"
 #include "tools/lab/search.h"
 #include "tools/recording/log_lines.h"
 #include "tools/recording/timeline.h"
+#include "tools/report/export.h"
 #include "tools/report/report.h"
 #include "tools/scenario/scenario.h"
-#include "tools/simulated/stimulus.h"
+#include "tools/simulated/log_stimulus.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "tools/recording/effects.h"
 #include "tools/recording/messages.h"
 #include "tools/recording/timeline.h"
-#include "tools/scenario/scenario.h"
+#include "tools/scenario/scenario_match.h"
 
 namespace {
 

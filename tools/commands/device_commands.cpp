@@ -13,7 +13,7 @@
 #include "tools/base/words.h"
 #include "tools/commands/command_line.h"
 #include "tools/commands/day.h"
-#include "tools/commands/frames_command.h"
+#include "tools/commands/device_frames.h"
 #include "tools/device/delivery.h"
 #include "tools/device/device_run.h"
 #include "tools/device/services.h"

@@ -1,4 +1,5 @@
-// `dvxctl device frames`: a recording played into a device, and what followed.
+#include "tools/commands/device_frames.h"
+
 #include <errno.h>
 #include <signal.h>
 #include <stdio.h>
@@ -17,7 +18,6 @@
 #include "tools/base/shown.h"
 #include "tools/base/words.h"
 #include "tools/commands/frame_reading.h"
-#include "tools/commands/frames_command.h"
 #include "tools/device/delivery.h"
 #include "tools/device/device_run.h"
 #include "tools/device/frame_outcome.h"

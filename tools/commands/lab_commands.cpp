@@ -14,6 +14,7 @@
 #include "tools/base/words.h"
 #include "tools/commands/command_line.h"
 #include "tools/frames/frame_file.h"
+#include "tools/lab/games.h"
 #include "tools/lab/lab_json.h"
 #include "tools/lab/results.h"
 #include "tools/lab/search.h"

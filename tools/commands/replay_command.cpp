@@ -16,8 +16,8 @@
 #include "tools/explain/why.h"
 #include "tools/frames/frame_file.h"
 #include "tools/simulated/child_process.h"
+#include "tools/simulated/log_stimulus.h"
 #include "tools/simulated/settings.h"
-#include "tools/simulated/stimulus.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
+#include "tools/report/export.h"
 #include "tools/report/report.h"
 
 namespace {

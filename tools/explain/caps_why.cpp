@@ -1,8 +1,8 @@
-// Why caps move and measurements begin: the analyser's decisions.
+#include "tools/explain/caps_why.h"
+
 #include <stdlib.h>
 
 #include "fia/active_mode.h"
-#include "tools/explain/explain.h"
 
 namespace {
 
@@ -34,7 +34,7 @@ void add_moves(const daemon_state &before, const daemon_state &after, const step
     }
     if (made->moved.empty())
         return;
-    made->answer = answer_of(taken, "set_tmk_freq");
+    made->answer = step_answer(taken, "set_tmk_freq");
     set_fact(made, "levels_from", levels_of(before));
     set_fact(made, "levels_to", levels_of(after));
     if (after.profile_share != 0)

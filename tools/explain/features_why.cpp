@@ -1,4 +1,5 @@
-// Why the display's rate, the image engine and the other features change.
+#include "tools/explain/features_why.h"
+
 #include <algorithm>
 #include <iterator>
 #include <set>
@@ -7,7 +8,6 @@
 #include "core/events.h"
 #include "core/timer.h"
 #include "features/low_power_mode.h"
-#include "tools/explain/explain.h"
 #include "tools/recording/messages.h"
 
 namespace {
@@ -128,7 +128,7 @@ void explain_rate(const daemon_state &before, const daemon_state &after, const s
     const char *lift = lift_words(taken);
     const bool lifted = after.tuner_target.value_or(0) > 0 && lift != nullptr;
     decision asked = make_decision(taken, reason_of_rate(after, lifted));
-    asked.answer = answer_of(taken, "request_fps");
+    asked.answer = step_answer(taken, "request_fps");
     if (before.rate != after.rate)
         asked.moved.push_back(
             {"display", "fps", number_of(before.rate), number_of(after.rate), "", ""});
@@ -170,7 +170,7 @@ void explain_image(const daemon_state &before, const daemon_state &after, const 
     if (!after.image_mode || before.image_mode.value_or(0) == *after.image_mode)
         return;
     decision set = make_decision(taken, reason::image_mode);
-    set.answer = answer_of(taken, "request_image_engine_mode");
+    set.answer = step_answer(taken, "request_image_engine_mode");
     set.moved.push_back(
         {"image engine", "", before.image_mode.value_or(0), number_of(after.image_mode), "", ""});
     set_fact(&set, "mode", *after.image_mode);
@@ -187,7 +187,7 @@ void explain_thermal(const daemon_state &before, const daemon_state &after, cons
                 continue;
             const bool on = why == reason::thermal_on;
             decision set = make_decision(taken, why);
-            set.answer = answer_of(taken, "enable_thermal_config", name);
+            set.answer = step_answer(taken, "enable_thermal_config", name);
             set.moved.push_back(
                 {name, "", std::nullopt, std::nullopt, on ? "off" : "on", on ? "on" : "off"});
             set_fact(&set, "configuration", name);
@@ -230,11 +230,11 @@ void explain_switches(const daemon_state &before, const daemon_state &after, con
     if (after.mitigation && before.mitigation.value_or(false) != *after.mitigation)
         explain("thermal mitigation", *after.mitigation,
                 *after.mitigation ? reason::mitigation_on : reason::mitigation_off,
-                answer_of(taken, "request_tmr_2cluster"));
+                step_answer(taken, "request_tmr_2cluster"));
     if (after.automode && before.automode != after.automode)
         explain("automode", *after.automode,
                 *after.automode ? reason::automode_on : reason::automode_off,
-                answer_of(taken, "set_automode_freq"));
+                step_answer(taken, "set_automode_freq"));
 }
 
 // Lines whose sentence is said here, and not from the table.
@@ -278,15 +278,6 @@ void explain_lines(const daemon_state &, const daemon_state &, const step &taken
 }
 
 }  // namespace
-
-std::optional<int32_t> answer_of(const step &taken, const char *call, const std::string &argument) {
-    std::optional<int32_t> worst;
-    for (const record &each : taken.records)
-        if (record_is_call(each, call) && each.answer &&
-            (argument.empty() || (!each.values.empty() && each.values[0] == argument)))
-            worst = std::min(worst.value_or(*each.answer), *each.answer);
-    return worst;
-}
 
 void explain_features(const daemon_state &before, const daemon_state &after, const step &taken,
                       std::vector<decision> *made) {

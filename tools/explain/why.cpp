@@ -4,7 +4,8 @@
 #include <string>
 #include <utility>
 
-#include "tools/explain/explain.h"
+#include "tools/explain/caps_why.h"
+#include "tools/explain/features_why.h"
 
 namespace {
 

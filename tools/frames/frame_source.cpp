@@ -34,7 +34,7 @@ void decode_utf16(frame_source *source) {
         source->text.append(decoded, end);
         if (error == EINVAL && !source->ended)
             break;
-        if (error == EILSEQ || error == EINVAL) {
+        if ((error == EILSEQ || error == EINVAL) && left > 1) {
             source->text += replacement;
             at += 2;
             left -= 2;

@@ -1,4 +1,5 @@
-// The table of games, as a file has it.
+#include "tools/lab/games.h"
+
 #include <csv.h>
 #include <stdlib.h>
 
@@ -8,7 +9,6 @@
 #include "device/virtual_device.h"
 #include "tools/base/files.h"
 #include "tools/base/whole_file.h"
-#include "tools/lab/model.h"
 
 namespace {
 

@@ -23,18 +23,6 @@ struct game_work {
     double gpu_megacycles = 0;
 };
 
-struct game_list {
-    std::vector<game_work> games;
-    std::string error;  // empty, or what is wrong, with its line
-};
-
-// Reads games as a table with the columns of tools/lab/games.csv, by their names.
-game_list games_read(const std::string &path);
-game_list games_read_text(std::string_view text);
-
-// The games that belong to this program.
-std::string games_path();
-
 // How a frame's work varies around the game's; shares of it.
 struct variation {
     double noise = 0.03;          // standard deviation from frame to frame

@@ -26,3 +26,12 @@ const record *step_call(const step &of, const char *name) {
             return &*came;
     return nullptr;
 }
+
+std::optional<int32_t> step_answer(const step &of, const char *call, const std::string &argument) {
+    std::optional<int32_t> worst;
+    for (const record &each : of.records)
+        if (record_is_call(each, call) && each.answer &&
+            (argument.empty() || (!each.values.empty() && each.values[0] == argument)))
+            worst = std::min(worst.value_or(*each.answer), *each.answer);
+    return worst;
+}

@@ -29,3 +29,8 @@ const record *step_line(const step &of, log_line line);
 
 // The last call of that name in it; null where there is none.
 const record *step_call(const step &of, const char *name);
+
+// The worst answer to its calls of that name, and of that first argument where there is one; none
+// where there was no such call, or its answer is not known.
+std::optional<int32_t> step_answer(const step &of, const char *call,
+                                   const std::string &argument = {});

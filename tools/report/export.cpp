@@ -1,4 +1,5 @@
-// A recording for other programs: trace events, and tidy tables.
+#include "tools/report/export.h"
+
 #include <stdio.h>
 
 #include <cmath>
@@ -8,7 +9,6 @@
 #include "tools/base/output_file.h"
 #include "tools/base/shown.h"
 #include "tools/explain/history.h"
-#include "tools/report/report.h"
 #include "tools/report/run_data.h"
 
 using nlohmann::ordered_json;

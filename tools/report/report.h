@@ -13,6 +13,3 @@ struct report_options {
 // dvxctl's command. Its exit status: 0; 1 where the page cannot be written; 2 for words and files
 // of no use.
 int report_command(const report_options &options);
-
-// A recording's trace for Perfetto ("trace") or tidy tables ("csv"); the same.
-int export_command(const std::string &path, const std::string &to, const std::string &out);

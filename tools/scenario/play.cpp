@@ -12,6 +12,7 @@
 #include "tools/base/exit_status.h"
 #include "tools/base/shown.h"
 #include "tools/recording/timeline.h"
+#include "tools/scenario/scenario_match.h"
 
 namespace {
 

@@ -6,6 +6,7 @@
 
 #include "core/events.h"
 #include "tools/base/words.h"
+#include "tools/scenario/scenario_match.h"
 
 namespace {
 

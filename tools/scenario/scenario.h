@@ -61,18 +61,5 @@ struct scenario_file {
 // Reads a file. One without scenarios and a scenario that expects nothing are errors.
 scenario_file read_scenarios(std::istream &input);
 
-// The words of the kinds, by their number, and the first of those kinds that look at the same
-// records.
-extern const char *const pattern_words[pattern_kinds];
-pattern_kind pattern_stream(pattern_kind kind);
-
 // Whether a happening may stand before the daemon's start and says what its device is like.
 bool is_preparation(const happening &given);
-
-// Whether a pattern's text names an event as a record has it, "43 EV_MODE_GAME_DEFAULT": by its
-// number, its name with or without EV_, or both; in small letters or capitals.
-bool names_event(const std::string &wanted, const std::string &record);
-
-// Empty when the records are as expected, else what is missing or too much. What the daemon was
-// told is no record.
-std::string check_expectation(const expectation &then, const std::vector<record> &records);

@@ -1,8 +1,9 @@
+#include "tools/scenario/scenario_match.h"
+
 #include <algorithm>
 #include <map>
 
 #include "tools/base/words.h"
-#include "tools/scenario/scenario.h"
 
 const char *const pattern_words[pattern_kinds] = {"event", "log",     "info", "error",
                                                   "hw",    "service", "prop", "end"};

@@ -1,12 +1,11 @@
-// What a log tells of the messages and panel reports that a daemon took: the events that a client
-// alone raises, and the lines that name what came with them.
+#include "tools/simulated/log_stimulus.h"
+
 #include <algorithm>
 
 #include "core/events.h"
 #include "device/virtual_device.h"
 #include "tools/recording/logcat.h"
 #include "tools/recording/messages.h"
-#include "tools/simulated/stimulus.h"
 
 namespace {
 

@@ -9,6 +9,7 @@
 
 #include "device/virtual_device.h"
 #include "tools/recording/messages.h"
+#include "tools/simulated/log_stimulus.h"
 
 namespace {
 

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "simulator/simulator.h"
@@ -21,12 +20,6 @@ struct stimulus {
 
 // What a recording's daemon took up.
 stimulus stimulus_of_recording(recording *file);
-
-// The same from a log's text; one without a line of the daemon has an error.
-stimulus stimulus_of_log_text(std::string_view text);
-
-// The messages and panel reports that records of a log tell of; time counts from `start_ns`.
-stimulus stimulus_of_log(const std::vector<record> &records, int64_t start_ns);
 
 // A game in front, at 60 frames per second, and its intervals.
 stimulus stimulus_of_intervals(const std::vector<double> &intervals_us);

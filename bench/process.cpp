@@ -26,7 +26,7 @@ constexpr int load_intervals = 1000000;
 constexpr int wakeup_seconds = 10;
 
 // Starts a daemon and waits for its start line.
-int start_daemon(double *ms) {
+int start_measured(double *ms) {
     int ends[2];
     if (pipe(ends) != 0)
         return -1;
@@ -93,7 +93,7 @@ double wakeups_a_second(int pid) {
     return static_cast<double>(switches(pid) - before) / wakeup_seconds;
 }
 
-void load(const std::string &root, int intervals, int messages) {
+void put_under_load(const std::string &root, int intervals, int messages) {
     dvx_message message;
     dvx_message_init(&message, "powerhal", DVX_CODE_GAME);
     message.payload.values[1] = 1;
@@ -116,7 +116,7 @@ double measure_start_ms(int starts) {
     std::vector<double> times;
     for (int i = 0; i < starts; ++i) {
         double ms = 0;
-        stop_daemon(start_daemon(&ms));
+        stop_daemon(start_measured(&ms));
         times.push_back(ms);
     }
     std::nth_element(times.begin(), times.begin() + starts / 2, times.end());
@@ -126,14 +126,14 @@ double measure_start_ms(int starts) {
 process_figures measure_process(void) {
     process_figures figures = {};
     double ms = 0;
-    const int pid = start_daemon(&ms);
+    const int pid = start_measured(&ms);
     sleep(13);  // the thermal engine's check is over then
     figures.idle_kib = resident_kib(pid);
     figures.idle_wakeups = wakeups_a_second(pid);
-    load(bench_device(), load_intervals / 100, load_messages / 100);
+    put_under_load(bench_device(), load_intervals / 100, load_messages / 100);
     sleep(1);
     figures.warm_kib = resident_kib(pid);
-    load(bench_device(), load_intervals, load_messages);
+    put_under_load(bench_device(), load_intervals, load_messages);
     dvx_message message;
     dvx_message_init(&message, "powerhal", DVX_CODE_SOFT_KEY);
     dvx_message_send_and_wait(&message, -1);

@@ -16,13 +16,15 @@ void add_doctor_command(CLI::App *parent, command_context *context) {
             ->add_subcommand("doctor",
                              "Look at a device: what is missing, and what that switches off")
             ->group("Recordings");
-    command->add_option("--panel", given->options.panel_hz, "The panel's rate, frames per second")
+    command
+        ->add_option("--panel", given->options.panel_hz,
+                     "The panel's refresh rate, in frames per second")
         ->check(CLI::Range(1.0, 1000.0));
     command
         ->add_option("--wait", given->options.wait_s,
                      "How many seconds each attribute may take to signal")
         ->check(CLI::Range(0.0, 3600.0));
-    command->add_flag("--json", given->json, "One object");
+    command->add_flag("--json", given->json, "Print one JSON object");
     command->callback([=] {
         given->options.root = context->root;
         context->exit_code = doctor_command(given->options, given->json);

@@ -91,8 +91,9 @@ void add_explain_commands(CLI::App *parent, command_context *context) {
             ->add_subcommand("why", "Tell each decision of a daemon in a sentence, with its cause")
             ->group("Recordings");
     why->add_option("FILE", given->file,
-                    "A recording or a log, - for standard input; else the root's daemon, live");
-    why->add_flag("--json", given->json, "An object a decision");
+                    "A recording or a log, - for standard input; without it, the daemon on the "
+                    "root as it runs");
+    why->add_flag("--json", given->json, "Print one JSON object per decision");
     why->callback([=] {
         if (given->file.empty() && context->root.empty())
             throw CLI::RequiredError("FILE, --root or DVXD_ROOT");
@@ -101,8 +102,9 @@ void add_explain_commands(CLI::App *parent, command_context *context) {
     CLI::App *status =
         parent->add_subcommand("status", "What a daemon does now, as far as it tells")
             ->group("Recordings");
-    status->add_option("--log", given->file, "From a log or a recording; - for standard input");
-    status->add_flag("--json", given->json, "One object");
+    status->add_option("--log", given->file,
+                       "Read a log or a recording instead; - for standard input");
+    status->add_flag("--json", given->json, "Print one JSON object");
     status->callback([=] {
         if (given->file.empty() && context->root.empty())
             throw CLI::RequiredError("--log, --root or DVXD_ROOT");

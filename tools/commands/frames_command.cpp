@@ -87,7 +87,8 @@ int show(const arguments &given) {
 void add_frames_commands(CLI::App *app, command_context *context) {
     auto given = std::make_shared<arguments>();
     CLI::App *command =
-        app->add_subcommand("frames", "Say what frame files hold, by format and in figures")
+        app->add_subcommand(
+               "frames", "Show what frame files hold: their format, and figures of their intervals")
             ->group("Frame files");
     command
         ->add_option("FILE", given->paths,
@@ -95,6 +96,6 @@ void add_frames_commands(CLI::App *app, command_context *context) {
                      "input")
         ->required();
     frame_add_options(command, &given->options);
-    command->add_flag("--json", given->json, "An object a file, in a line each");
+    command->add_flag("--json", given->json, "Print one JSON object per file");
     command->callback([=] { context->exit_code = show(*given); });
 }

@@ -138,18 +138,19 @@ int write_table(arguments *given) {
 }
 
 void add_model_options(CLI::App *command, arguments *given) {
-    command->add_option("--game", given->games, "That game alone; may be given again")
+    command->add_option("--game", given->games, "Play this game only; may be given several times")
         ->allow_extra_args(false);
-    command->add_option("--games", given->games_file, "Games as a table, as the lab's own");
-    command->add_option("--minutes", given->setup.minutes, "How long each is played")
+    command->add_option("--games", given->games_file,
+                        "Play the games of this table instead of the lab's own");
+    command->add_option("--minutes", given->setup.minutes, "How many minutes each game is played")
         ->check(CLI::Range(0.1, 600.0))
         ->capture_default_str();
-    command->add_option("--seed", given->setup.seed, "Of everything that varies")
+    command->add_option("--seed", given->setup.seed, "Seed of everything that is random")
         ->capture_default_str();
-    command->add_option("--panel", given->setup.panel_hz, "The panel's real rate, in Hz")
+    command->add_option("--panel", given->setup.panel_hz, "The panel's real refresh rate, in Hz")
         ->check(CLI::Range(24.0, 240.0))
         ->capture_default_str();
-    command->add_option("--governor", given->picks, "Who picks frequencies below the caps")
+    command->add_option("--governor", given->picks, "How frequencies below the caps are picked")
         ->check(CLI::IsMember({"fit", "eager", "max"}))
         ->capture_default_str();
     command
@@ -157,15 +158,20 @@ void add_model_options(CLI::App *command, arguments *given) {
                      "2: a frame is begun when the last is seen; 3: one is drawn ahead")
         ->check(CLI::Range(2, 3))
         ->capture_default_str();
-    command->add_option("--vary-from", given->vary_from,
-                        "Let work vary as the frame times of this file do around their median");
-    command->add_option("--jobs", given->setup.jobs, "Games at once; one a core where not given")
+    command->add_option(
+        "--vary-from", given->vary_from,
+        "Vary the work of frames as the frame times in this file vary around their median");
+    command
+        ->add_option("--jobs", given->setup.jobs,
+                     "How many games are played at once; one per core by default")
         ->check(CLI::Range(1, 1024));
-    command->add_flag("--json", given->json, "An object a game, or a set");
+    command->add_flag("--json", given->json, "Print one JSON object per game, or per set");
 }
 
 void add_set_option(CLI::App *command, arguments *given) {
-    command->add_option("--set", given->settings, "NAME=VALUE: another figure of the analyser")
+    command
+        ->add_option("--set", given->settings,
+                     "NAME=VALUE: another value for one of the analyser's figures")
         ->allow_extra_args(false);
 }
 
@@ -179,35 +185,43 @@ void add_lab_commands(CLI::App *app, command_context *context) {
             ->group("Lab");
     add_model_options(lab, given.get());
     add_set_option(lab, given.get());
-    lab->add_option("--record", given->setup.record, "A recording a game in this directory");
+    lab->add_option("--record", given->setup.record,
+                    "Write one recording per game to this directory");
     lab->require_subcommand(0, 1);
     CLI::App *search = lab->add_subcommand("search", "Look for better figures of the analyser");
-    search->add_option("--vary", given->search.vary, "NAME=LO..HI[:STEP]; may be given again")
+    search
+        ->add_option("--vary", given->search.vary,
+                     "NAME=LO..HI[:STEP]: a figure to vary; may be given several times")
         ->required()
         ->allow_extra_args(false);
     search
         ->add_option("--max-loss", given->search.max_loss,
-                     "Frames per second that no game may lose more than")
+                     "The most frames per second that any game may lose")
         ->capture_default_str();
-    search->add_option("--samples", given->search.samples, "How many sets are tried at most")
+    search->add_option("--samples", given->search.samples, "How many sets to try at most")
         ->check(CLI::Range(1, 1000000))
         ->capture_default_str();
-    search->add_option("--shard", given->search.shard, "K/N: every Nth set from the Kth on")
+    search
+        ->add_option("--shard", given->search.shard,
+                     "K/N: try every Nth set, starting with the Kth")
         ->capture_default_str();
     search->add_option("--out", given->search.out,
                        "Write each set that was tried to this file, a line each; a file of the "
                        "same search is continued");
     CLI::App *merge = lab->add_subcommand("merge", "Join what shards of a search have tried");
-    merge->add_option("FILE", given->files, "What --out of a search has written")->required();
-    merge->add_option("--max-loss", given->search.max_loss, "As of search")->capture_default_str();
-    CLI::App *table = lab->add_subcommand("table", "Write the daemon's table with these figures");
-    table->add_option("--out", given->out, "The source file")->required();
+    merge->add_option("FILE", given->files, "A file that a search has written with --out")
+        ->required();
+    merge->add_option("--max-loss", given->search.max_loss, "The same as for search")
+        ->capture_default_str();
+    CLI::App *table =
+        lab->add_subcommand("table", "Write the daemon's source table with these figures");
+    table->add_option("--out", given->out, "The source file to write")->required();
     add_set_option(table, given.get());
     std::string shared;
     for (const CLI::Option *option : command_line_shared(search))
         shared += (shared.empty() ? "" : ", ") + option->get_name();
-    search->footer("What dvxctl lab takes holds too: " + shared + ".");
-    merge->footer("With --json an object, as of search.");
+    search->footer("The options of dvxctl lab apply too: " + shared + ".");
+    merge->footer("With --json it prints one JSON object, as search does.");
     lab->callback([=] {
         if (search->parsed())
             context->exit_code = run_search(given.get());

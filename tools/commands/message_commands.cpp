@@ -142,6 +142,6 @@ void add_message_commands(CLI::App *parent, command_context *context) {
     });
     CLI::App *events = parent->add_subcommand("events", "Every event with its name");
     events->add_option("EVENT", given->events, "Only these, by name or number")->type_name("EVENT");
-    events->add_flag("--json", given->json, "An object an event, in a line each");
+    events->add_flag("--json", given->json, "Print one JSON object per event");
     events->callback([=] { context->exit_code = print_events(given->events, given->json); });
 }

@@ -326,11 +326,12 @@ void add_replay_command(CLI::App *parent, command_context *context) {
             ->group("Recordings");
     command->add_option("FILE", given->file, "A recording; - for standard input")->required();
     command->add_flag("--compare", given->options.compare,
-                      "Hold what follows against the recording");
+                      "Compare what follows with the recording");
     command
-        ->add_option("--set", given->options.settings, "NAME=VALUE: another figure of the analyser")
+        ->add_option("--set", given->options.settings,
+                     "NAME=VALUE: another value for one of the analyser's figures")
         ->allow_extra_args(false);
-    command->add_flag("--why", given->options.why, "Each decision in a sentence");
-    command->add_flag("--json", given->options.json, "The figures as one JSON object");
+    command->add_flag("--why", given->options.why, "Tell each decision in a sentence");
+    command->add_flag("--json", given->options.json, "Print the figures as one JSON object");
     command->callback([=] { context->exit_code = replay_command(given->file, given->options); });
 }

@@ -25,10 +25,10 @@ void add_report_commands(CLI::App *parent, command_context *context) {
     report->add_option("FILE", given->report.files, "A recording, or two to compare")
         ->required()
         ->expected(1, 2);
-    report->add_option("--out", given->report.out, "The page")->required();
+    report->add_option("--out", given->report.out, "The page to write")->required();
     report
         ->add_option("--set", given->report.settings,
-                     "NAME=VALUE: the replay with another figure is the second")
+                     "NAME=VALUE: compare with a replay that uses this value for a figure")
         ->allow_extra_args(false);
     report->callback([=] { context->exit_code = report_command(given->report); });
     CLI::App *exported =
@@ -37,7 +37,7 @@ void add_report_commands(CLI::App *parent, command_context *context) {
     exported->add_option("--to", given->format, "trace: events for Perfetto; csv: tidy rows")
         ->required()
         ->check(CLI::IsMember({"trace", "csv"}));
-    exported->add_option("--out", given->out, "The file; else standard output");
+    exported->add_option("--out", given->out, "The file to write; standard output without it");
     exported->callback(
         [=] { context->exit_code = export_command(given->file, given->format, given->out); });
 }

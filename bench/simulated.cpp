@@ -52,13 +52,6 @@ void tell(const dvx_message &message) {
     take_up(make_message_happening(message));
 }
 
-void pass_time(int64_t time_ns) {
-    happening time;
-    time.kind = happening_kind::time;
-    time.time_ns = time_ns;
-    take_up(time);
-}
-
 void enter_game() {
     tell(make_text_message("powerhal", DVX_CODE_ACTIVITY, "com.example/.Game"));
     tell(make_text_message("powerhal", DVX_CODE_WINDOW, "com.example"));
@@ -75,7 +68,7 @@ void live_a_day() {
         tell(make_message("tmr", DVX_CODE_TIMED_MITIGATION, {500}));
         tell(make_message("lowpowermode", 0, {minute % 2, 1 + minute % 3, 1}));
         tell(make_message("powerhal", DVX_CODE_GAME, {0, 0, 60, 0}));
-        pass_time(minute_ns);
+        take_up(make_time_happening(minute_ns));
         simulator_take();
     }
 }
@@ -161,9 +154,7 @@ int main() {
             notify_fia_interval_changed(steady_us);
         simulator_take();
     });
-    happening time;
-    time.kind = happening_kind::time;
-    time.time_ns = steady_us * int64_t{1000};
+    const happening time = make_time_happening(steady_us * int64_t{1000});
     const happening interval = make_interval_happening(steady_us);
     const double simulated = median_ns([&] {
         for (int i = 0; i < intervals; ++i) {

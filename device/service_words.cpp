@@ -69,3 +69,10 @@ std::string describe_powercontrol_message(const powercontrol_message &message) {
     return "max brightness " +
            std::to_string(message.first).append(":").append(std::to_string(message.second));
 }
+
+std::string describe_service_message(const device_service &service, const char *bytes,
+                                     size_t size) {
+    return std::string(service.name) + "  " +
+           (size == service.message_size ? service.describe(bytes)
+                                         : "a message of " + std::to_string(size) + " bytes");
+}

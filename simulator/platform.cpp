@@ -137,9 +137,7 @@ long socket_send(int, const void *message, size_t size) {
     const device_service &service = *simulated.connected;
     add_record(make_service_record(
         record_time_ns(),
-        std::string(service.name) + "  " +
-            (size == service.message_size ? service.describe(static_cast<const char *>(message))
-                                          : "a message of " + std::to_string(size) + " bytes")));
+        describe_service_message(service, static_cast<const char *>(message), size)));
     const platform_answer *answer = take_answer(answer_kind::sent);
     return answer != nullptr ? static_cast<long>(answer->number) : static_cast<long>(size);
 }

@@ -5,13 +5,6 @@
 #include "simulator/simulator.h"
 #include "tests/support/byte_source.h"
 
-inline void pass_time(int64_t time_ns) {
-    happening time;
-    time.kind = happening_kind::time;
-    time.time_ns = time_ns;
-    take_up(time);
-}
-
 // A passage of frames: steady, uneven, or with odd values.
 inline void let_frames_pass(byte_source *from) {
     const int32_t usual_us = 1000000 / (20 + static_cast<int32_t>(from->pick(45)));
@@ -19,7 +12,8 @@ inline void let_frames_pass(byte_source *from) {
     for (int i = from->next() * 6; i >= 0; --i) {
         const int32_t late_us = i * 7919 % (unrest % 3 == 0 ? 20000 : 200);
         const int32_t interval_us = unrest > 128 && i == 50 ? from->number() : usual_us + late_us;
-        pass_time(interval_us > 0 && interval_us < 1000000 ? interval_us * 1000LL : 0);
+        take_up(make_time_happening(interval_us > 0 && interval_us < 1000000 ? interval_us * 1000LL
+                                                                             : 0));
         take_up(make_interval_happening(interval_us));
     }
 }
@@ -40,7 +34,7 @@ inline void let_something_happen(byte_source *from) {
             break;
         case 3:
         case 4:
-            pass_time(from->next() * int64_t{157000000});
+            take_up(make_time_happening(from->next() * int64_t{157000000}));
             break;
         case 5:
             given.kind = happening_kind::service;

@@ -22,7 +22,8 @@ int64_t file_size(const std::string &path) {
 
 std::vector<std::string> read_lines(const std::string &path, int64_t *offset) {
     std::vector<std::string> lines;
-    if (fs::exists(path) && file_size(path) < *offset)
+    std::error_code error;
+    if (static_cast<int64_t>(fs::file_size(path, error)) < *offset && !error)
         *offset = 0;  // begun anew
     std::ifstream file(path, std::ios::binary);
     file.seekg(*offset);

@@ -242,15 +242,14 @@ int replay_modelled(const std::string &path, stimulus *given, const simulated_fi
     if (!given->error.empty())
         return refuse_file(path, given->error);
     warn_of(path, given->remarks);
-    given->setup.figures = figures;
-    std::string wrong = settings_apply_all(&given->setup.figures, options.settings);
+    simulated_figures changed = figures;
+    std::string wrong = settings_apply_all(&changed, options.settings);
     if (!wrong.empty())
         return refuse_file("--set", wrong);
-    if (changes) {
-        stimulus as_it_was = *given;
-        as_it_was.setup.figures = figures;
-        wrong = play_in_child(as_it_was, &without);
-    }
+    given->setup.figures = figures;
+    if (changes)
+        wrong = play_in_child(*given, &without);
+    given->setup.figures = changed;
     if (wrong.empty())
         wrong = play(*given, options.why, &run);
     if (!wrong.empty())

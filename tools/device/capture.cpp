@@ -110,8 +110,7 @@ bool take_log_line(phone *watched, const std::string &line, const line_taker &ta
     logcat_line read;
     if (!logcat_take(&watched->log, line, wall_ns(), &read))
         return true;
-    for (const std::string &remark : watched->log.remarks)
-        warn(watched->log_name + ": " + remark);
+    warn_of(watched->log_name, watched->log.remarks);
     watched->log.remarks.clear();
     const record came = logcat_record(read);
     return came.text.empty() || take(recording_line_of(came, read.time_ns - watched->offset_ns));
@@ -172,8 +171,8 @@ result capture(const capture_sources &sources, const follow_limit &limit, const 
     const bool live = sources.log.empty() || !S_ISREG(status.st_mode);
     if (live) {
         watched.offset_ns = wall_ns() - monotonic_ns();
-        watched.panel = open_node("/sys/class/power/sben/sben_event");
-        watched.interval = open_node("/sys/class/power/fbcn/fbcn_intv");
+        watched.panel = open_node(device_panel_node);
+        watched.interval = open_node(device_interval_node);
         if (watched.log_fd < 0 && watched.panel.fd < 0 && watched.interval.fd < 0)
             return {failure::input,
                     "there is nothing to record: no node can be watched, and --log names no log"};

@@ -43,12 +43,6 @@ void add_moves(const daemon_state &before, const daemon_state &after, const step
         set_fact(made, "game", after.activity);
 }
 
-bool caps_moved(const daemon_state &before, const daemon_state &after) {
-    decision moved;
-    add_moves(before, after, {}, &moved);
-    return !moved.moved.empty();
-}
-
 // How far the caps went: the sum of the levels, below 0 upwards.
 int moved_by(const daemon_state &before, const daemon_state &after) {
     int sum = 0;
@@ -207,12 +201,11 @@ void explain_analyser(const daemon_state &before, const daemon_state &after, con
         explain_unseen_step(before, taken, made);
         return;
     }
-    if (!caps_moved(before, after))
-        return;
     const int by = moved_by(before, after);
     next = explain_step(before, taken, by > 0);
     set_fact(&next, "step",
              std::string(by > 0 ? "down" : "up") + (abs(by) == 1 ? " one step" : ""));
     add_moves(before, after, taken, &next);
-    made->push_back(next);
+    if (!next.moved.empty())
+        made->push_back(next);
 }

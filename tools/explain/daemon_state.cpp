@@ -307,6 +307,11 @@ int daemon_state_scenes(const daemon_state &state) {
     return scenes != state.scenes.end() ? scenes->second : 0;
 }
 
+const char *analyser_mode_word(analyser_mode mode) {
+    constexpr const char *words[] = {"not known", "suspended", "measuring", "active"};
+    return words[static_cast<size_t>(mode)];
+}
+
 const char *requestor_word(int32_t id) {
     switch (id) {
         case requestor_dgpc:

@@ -77,6 +77,7 @@ bool daemon_state_knows(const daemon_state &state, const cap_state &cap);
 int daemon_state_scenes(const daemon_state &state);
 
 // The words for things.
+const char *analyser_mode_word(analyser_mode mode);
 const char *requestor_word(int32_t id);
 const char *lock_word(int lock);
 const char *timer_word(int slot);

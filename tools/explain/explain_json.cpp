@@ -80,9 +80,8 @@ ordered_json rate_json(const daemon_state &state) {
 }
 
 ordered_json analyser_json(const status &known) {
-    constexpr const char *modes[] = {"not known", "suspended", "measuring", "active"};
     const daemon_state &state = known.state;
-    ordered_json analyser = {{"mode", modes[static_cast<size_t>(state.analyser)]}};
+    ordered_json analyser = {{"mode", analyser_mode_word(state.analyser)}};
     if (state.analyser == analyser_mode::suspended) {
         analyser["suspended_by"] = ordered_json::array();
         for (const int lock : state.locks)

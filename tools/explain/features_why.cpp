@@ -99,6 +99,10 @@ const char *lift_words(const step &taken) {
     return nullptr;
 }
 
+moved_value switched(const std::string &what, bool on) {
+    return {what, "", std::nullopt, std::nullopt, on ? "off" : "on", on ? "on" : "off"};
+}
+
 double seconds(int64_t time_ns) {
     return static_cast<double>(time_ns) / 1e9;
 }
@@ -185,11 +189,9 @@ void explain_thermal(const daemon_state &before, const daemon_state &after, cons
         for (const std::string &name : these) {
             if (those.contains(name))
                 continue;
-            const bool on = why == reason::thermal_on;
             decision set = make_decision(taken, why);
             set.answer = step_answer(taken, "enable_thermal_config", name);
-            set.moved.push_back(
-                {name, "", std::nullopt, std::nullopt, on ? "off" : "on", on ? "on" : "off"});
+            set.moved.push_back(switched(name, why == reason::thermal_on));
             set_fact(&set, "configuration", name);
             add_cause(before, after, taken, &set);
             made->push_back(set);
@@ -222,8 +224,7 @@ void explain_switches(const daemon_state &before, const daemon_state &after, con
     const auto explain = [&](const char *what, bool on, reason why, std::optional<int32_t> answer) {
         decision set = make_decision(taken, why);
         set.answer = answer;
-        set.moved.push_back(
-            {what, "", std::nullopt, std::nullopt, on ? "off" : "on", on ? "on" : "off"});
+        set.moved.push_back(switched(what, on));
         add_cause(before, after, taken, &set);
         made->push_back(set);
     };

@@ -4,7 +4,6 @@
 
 #include "core/log.h"
 #include "device/virtual_device.h"
-
 #include "tools/base/clock.h"
 #include "tools/device/follow.h"
 #include "tools/recording/logcat.h"

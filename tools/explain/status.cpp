@@ -64,9 +64,8 @@ std::string rate_text(const daemon_state &state) {
 }
 
 std::string analyser_text(const status &known) {
-    constexpr const char *modes[] = {not_known, "suspended", "measuring", "active"};
     const daemon_state &state = known.state;
-    std::string text = modes[static_cast<size_t>(state.analyser)];
+    std::string text = analyser_mode_word(state.analyser);
     std::string reasons;
     for (const int lock : state.locks)
         add_to_list(&reasons, lock_word(lock));

@@ -38,13 +38,12 @@ std::vector<decision> why_take(daemon_state *state, const step &taken) {
         return made;
     }
     const daemon_state before = *state;
-    daemon_state as_asked = before;
-    daemon_state_take(&as_asked, taken, true);
-    explain_features(before, as_asked, taken, &made);
-    explain_analyser(before, as_asked, taken, &made);
-    if (std::any_of(taken.records.begin(), taken.records.end(), record_is_refused))
+    daemon_state_take(state, taken, true);
+    explain_features(before, *state, taken, &made);
+    explain_analyser(before, *state, taken, &made);
+    if (std::any_of(taken.records.begin(), taken.records.end(), record_is_refused)) {
+        *state = before;
         daemon_state_take(state, taken);
-    else
-        *state = std::move(as_asked);
+    }
     return fold_repeated(std::move(made));
 }

@@ -9,6 +9,13 @@ constexpr char panel_off[] = "panel_power_on = 0\n";
 
 }  // namespace
 
+happening make_time_happening(int64_t duration_ns) {
+    happening time;
+    time.kind = happening_kind::time;
+    time.time_ns = duration_ns;
+    return time;
+}
+
 happening make_interval_happening(int32_t interval_us, int64_t time_ns) {
     happening taken;
     taken.kind = happening_kind::interval;

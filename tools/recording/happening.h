@@ -70,6 +70,9 @@ struct happening {
     std::vector<platform_answer> answers;  // by question
 };
 
+// Time that passes.
+happening make_time_happening(int64_t duration_ns);
+
 // A frame interval that is a number; others are reports.
 happening make_interval_happening(int32_t interval_us, int64_t time_ns = 0);
 

@@ -91,13 +91,9 @@ std::string describe_sent(const std::string &socket, const std::string &hex) {
     std::string bytes;
     for (size_t i = 0; i + 1 < hex.size(); i += 2)
         bytes += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
-    const char *first = bytes.data();
     for (const device_service &service : device_services)
         if (socket == service.socket)
-            return std::string(service.name) + "  " +
-                   (bytes.size() == service.message_size
-                        ? service.describe(first)
-                        : "a message of " + std::to_string(bytes.size()) + " bytes");
+            return describe_service_message(service, bytes.data(), bytes.size());
     return socket + "  a message of " + std::to_string(bytes.size()) + " bytes";
 }
 

@@ -59,7 +59,7 @@ ordered_json describe_times(const std::vector<double> &time_s) {
     return said;
 }
 
-ordered_json describe_run(const report_run &run) {
+ordered_json describe_run(const report_run &run, const report_figures &figures) {
     ordered_json bands = ordered_json::array();
     for (const report_band &band : run.bands)
         bands.push_back({band.kind, band.from_s, band.to_s});
@@ -92,7 +92,7 @@ ordered_json describe_run(const report_run &run) {
             {"daemon", run.daemon},
             {"rests_on", run.rests_on},
             {"length_s", run.last_s},
-            {"figures", describe_figures(report_figures_of(run))},
+            {"figures", describe_figures(figures)},
             {"verdict", report_verdict(run)},
             {"percentiles", describe_percentiles(run.intervals_us)},
             {"dt_ms", describe_times(run.time_s)},
@@ -154,11 +154,14 @@ ordered_json describe_differences(const report_figures &first, const report_figu
 
 std::string page_json(const std::vector<report_run> &runs) {
     ordered_json data = {{"runs", ordered_json::array()}};
-    for (const report_run &run : runs)
-        data["runs"].push_back(describe_run(run));
+    std::vector<report_figures> figures;
+    figures.reserve(runs.size());
+    for (const report_run &run : runs) {
+        figures.push_back(report_figures_of(run));
+        data["runs"].push_back(describe_run(run, figures.back()));
+    }
     if (runs.size() == 2)
-        data["differences"] =
-            describe_differences(report_figures_of(runs[0]), report_figures_of(runs[1]));
+        data["differences"] = describe_differences(figures[0], figures[1]);
     const std::string json = data.dump(-1, ' ', true, ordered_json::error_handler_t::replace);
     std::string safe;
     safe.reserve(json.size());

@@ -174,10 +174,7 @@ std::string stimulus_play(const stimulus &given, const step_taker &sink) {
         sink(came);
     };
     const auto pass_time = [&](int64_t until_ns) {
-        happening time;
-        time.kind = happening_kind::time;
-        time.time_ns = std::max<int64_t>(until_ns - simulator_now_ns(), 0);
-        take_up(time);
+        take_up(make_time_happening(std::max<int64_t>(until_ns - simulator_now_ns(), 0)));
         pour(timers);
     };
     happening start;

@@ -28,11 +28,11 @@ if(NOT DATE)
 endif()
 find_program(GZIP gzip REQUIRED)
 add_custom_command(OUTPUT ${pages}/dvxctl.1
-    COMMAND dvxctl_pages ${pages} ${DATE}
-    COMMAND scripts/man-page docs/recordings.md dvx-recording 5 ${DATE} ${pages}/dvx-recording.5
-    COMMAND scripts/man-page docs/scenarios.md dvx-scenario 5 ${DATE} ${pages}/dvx-scenario.5
+    COMMAND dvxctl_pages ${pages}
+    COMMAND scripts/man-pages ${DATE} ${pages} dvx-recording.5=docs/recordings.md
+        dvx-scenario.5=docs/scenarios.md
     COMMAND sh -c "cd \"$1\" && \"$2\" -9nkf *.[1358]" sh ${pages} ${GZIP}
-    DEPENDS dvxctl_pages scripts/man-page docs/recordings.md docs/scenarios.md
+    DEPENDS dvxctl_pages scripts/man-pages docs/recordings.md docs/scenarios.md
         packaging/man/dvxd.8 packaging/man/dvx_client.h.3
     WORKING_DIRECTORY ${CMAKE_SOURCE_DIR} VERBATIM)
 add_custom_target(pages DEPENDS ${pages}/dvxctl.1)

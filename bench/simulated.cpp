@@ -112,10 +112,13 @@ double replay_rate(const std::string &text) {
 std::pair<double, double> lab_rate() {
     lab_setup setup;
     setup.games = games_read(games_path()).games;
+    setup.seeds = 1;
+    setup.on.device = device_model_default();
     const double before = now_ns();
     double frames = 0;
-    for (const game_result &result : lab_run(setup))
-        frames += (result.free.fps + result.capped.fps) * setup.minutes * 60;
+    for (const game_result &result : lab_run(setup, lab_run_free(setup)))
+        for (const play_result &play : result.plays)
+            frames += play.free.frames + play.capped.frames;
     const double took_s = (now_ns() - before) / 1e9;
     return {took_s, frames / took_s / 1e6};
 }

@@ -12,8 +12,9 @@
 #include "tools/explain/why.h"
 #include "tools/frames/frame_figures.h"
 #include "tools/frames/frame_file.h"
+#include "tools/lab/device_model.h"
 #include "tools/lab/games.h"
-#include "tools/lab/search.h"
+#include "tools/lab/lab_json.h"
 #include "tools/recording/log_lines.h"
 #include "tools/recording/timeline.h"
 #include "tools/report/export.h"
@@ -66,7 +67,6 @@ void tell(const std::string &text) {
     for (const bool json : {false, true}) {
         why_command(path, "", json);
         status_command("", path, json);
-        merge_command({path}, 1, json);
         export_command(path, json ? "trace" : "csv", "/dev/null");
     }
     report_command({{path}, {}, "/dev/null"});
@@ -89,6 +89,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
             log_line_sentence(*came.row, came.values);
     read_as_steps(text);
     games_read_text(text);
+    device_model_read_text(text);
+    tried_plays plays;
+    tried_plays_read(text, &plays);
     std::istringstream scenarios(text);
     read_scenarios(scenarios);
     tell(text);

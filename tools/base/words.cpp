@@ -57,6 +57,12 @@ std::string counted(size_t count, const char *thing) {
     return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
 }
 
+std::string short_number(double value) {
+    char text[32];
+    snprintf(text, sizeof(text), "%.9g", value);
+    return text;
+}
+
 std::string check_speed(const std::string &text, const std::string &unreal) {
     char *end = nullptr;
     const double factor = strtod(text.c_str(), &end);

@@ -16,6 +16,9 @@ std::string trimmed_text(const std::string &text);
 // "1 row", "2 rows".
 std::string counted(size_t count, const char *thing);
 
+// A number with no more digits than it needs, nine at most.
+std::string short_number(double value);
+
 // A speed is "real", a factor from 0.001 to 1000, or the word for the time that is not real ("max",
 // "virtual"). Empty, or what is wrong with the text.
 std::string check_speed(const std::string &text, const std::string &unreal);

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "tools/base/words.h"
 #include "tools/frames/frame_figures.h"
 
 namespace {
@@ -36,12 +37,6 @@ const unit_row *plausible_unit(double median) {
         if (median * row.us >= 1e3 && median * row.us < 1e6)
             return &row;
     return nullptr;
-}
-
-std::string short_number(double value) {
-    char text[32];
-    snprintf(text, sizeof(text), "%.9g", value);
-    return text;
 }
 
 constexpr const char *omission_words[] = {"without a number",

@@ -12,7 +12,8 @@ struct game_list {
     std::string error;  // empty, or what is wrong, with its line
 };
 
-// Reads games as a table with the columns of tools/lab/games.csv, by their names.
+// Reads games as a table with the columns of tools/lab/games.csv, by their names; `limit_fps` may
+// be one of them.
 game_list games_read(const std::string &path);
 game_list games_read_text(std::string_view text);
 

@@ -1,21 +1,41 @@
-// The lab's results as lines of JSON, with the fields of docs/lab.md, and read again.
+// What the lab writes as JSON, and reads again.
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "tools/lab/run.h"
-#include "tools/lab/search.h"
+#include "tools/lab/race.h"
+#include "tools/lab/summary.h"
 
-// What a game came to.
-std::string game_result_line(const game_result &result);
+// A game's result, on one line; with `before`, what other figures changed.
+std::string game_result_line(const game_result &result, const game_result *before,
+                             uint64_t first_seed, const std::string &place);
 
-// A set that was tried, or why it could not be.
-std::string tried_set_line(const tried_set &tried);
+// Plays of one game with a set, from the `first` seed of the search on.
+struct played_game {
+    std::string name;
+    size_t place = 0;
+    size_t first = 0;
+    std::vector<set_play> plays;
+};
 
-// Reads a line of a set that was tried. False where it is none.
-bool tried_set_read(std::string_view line, tried_set *tried);
+// A line of a search's file: plays of a set, with all that they were made under.
+struct tried_plays {
+    std::map<std::string, std::string> conditions;
+    setting_list set;
+    std::string error;
+    bool caps_left = false;
+    std::vector<played_game> games;
+};
+std::string tried_plays_line(const tried_plays &plays);
 
-// What a search came to; `best` is null where there is none.
-std::string search_line(size_t tried, const std::vector<tried_set> &front, const tried_set *best);
+// Reads one; false where it is none.
+bool tried_plays_read(std::string_view line, tried_plays *plays);
+
+// What a search came to; `best` is null where nothing holds.
+std::string search_line(const search_result &found);
+
+// What one figure changes.
+std::string set_change_line(const set_change &change);

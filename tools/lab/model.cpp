@@ -7,26 +7,20 @@
 namespace {
 
 constexpr double pi = 3.14159265358979323846;
-constexpr double expectation_weight = 0.2;  // of the latest frame
-constexpr double little_megacycles = 1.5;   // a frame's work of everything else
-
-// Power at the highest level, in mW, all of it busy: a phone's big cores in a game, its little ones
-// beside it, its GPU; each as measurements of phones of this class put it, of which only the ratio
-// matters. Leakage flows whether busy or not.
-struct power_row {
-    double dynamic_mw;
-    double leakage_mw;
-};
-constexpr power_row powers[resource_count] = {{2000, 120}, {300, 20}, {2200, 130}};
-
-// The voltage at a frequency, as a share of the highest: a rail goes from about half to all of it.
-constexpr double voltage_floor = 0.5;
+constexpr double little_megacycles = 1.5;  // a frame's work of everything else
 
 constexpr double headrooms[] = {1.25, 2.0, 0};  // by governor: how much faster than needed
 
-double share_of_voltage(double share_of_frequency) {
-    return voltage_floor + (1 - voltage_floor) * share_of_frequency;
-}
+// How governors move: what a frame needs is expected by an average with the half-life that the
+// kernel's load tracking has, clocks go down no sooner than this after they went down last, and a
+// finger on the screen keeps the big cluster from going below a share of its highest clock.
+constexpr double half_life_us = 32000;
+constexpr double lower_after_us = 20000;
+constexpr double touch_share = 0.5;  // of time that the screen is touched
+constexpr uint64_t touch_frames = 120;
+constexpr double touch_floor = 0.5;  // of the highest clock
+
+constexpr double limiter_slack = 0.02;  // of a panel's rate that a limit divides
 
 struct frame_times {
     double cpu_ms;
@@ -43,146 +37,183 @@ frame_times times_at(const game_work &game, double factor, double cpu_mhz, doubl
     return times;
 }
 
-double standard_normal(std::mt19937_64 *random) {
-    // The sum of twelve uniform parts, less six: close enough, and quick.
-    uint64_t bits[3] = {(*random)(), (*random)(), (*random)()};
-    double sum = -6;
-    for (const uint64_t each : bits)
-        for (int part = 0; part < 4; ++part)
-            sum += static_cast<double>(each >> (16 * part) & 0xFFFF) / 65536;
-    return sum;
-}
-
-double uniform(std::mt19937_64 *random) {
-    return static_cast<double>((*random)() >> 11) / 9007199254740992.0;
+double scene_factor_of(const play_state &state, const variation &varies) {
+    const uint64_t scene = state.frame / varies.scene_frames;
+    return std::max(1 + varies.scene * normal_at(state.scene, scene), 0.5);
 }
 
 double next_factor(play_state *state, const variation &varies) {
+    const uint64_t frame = state->frame;
     if (!varies.factors.empty())
-        return varies.factors[state->frame % varies.factors.size()];
-    if (state->time_us >= state->scene_end_us) {
-        state->scene_factor = std::max(1 + varies.scene * standard_normal(&state->random), 0.5);
-        state->scene_end_us = state->time_us + varies.scene_s * 1e6;
-    }
-    const double wave = 1 + varies.drift * sin(2 * pi * state->time_us / (varies.drift_s * 1e6) +
-                                               state->drift_phase);
-    const double noise = std::max(1 + varies.noise * standard_normal(&state->random), 0.2);
-    const bool heavy = uniform(&state->random) < varies.heavy;
+        return varies.factors[frame % varies.factors.size()];
+    if (frame % varies.scene_frames == 0)
+        state->scene_factor = scene_factor_of(*state, varies);
+    const double wave =
+        1 + varies.drift *
+                sin(2 * pi * static_cast<double>(frame) / varies.drift_frames + state->drift_phase);
+    const double noise = std::max(1 + varies.noise * normal_at(state->noise, frame), 0.2);
+    const bool heavy = uniform_at(state->heavy, frame) < varies.heavy;
     return state->scene_factor * wave * noise * (heavy ? varies.heavy_factor : 1);
 }
 
-// The lowest level of a resource, no higher than its cap, that holds `limit_ms`; the cap where none
+// The lowest point of a resource, no higher than its cap, that holds `limit_ms`; the cap where none
 // does.
-size_t lowest_level(const std::vector<double> &mhz, size_t cap, double fixed_ms, double megacycles,
-                    double limit_ms) {
-    size_t level = mhz.size() - 1;
-    while (level > cap && fixed_ms + 1000 * megacycles / mhz[level] > limit_ms)
-        --level;
-    return level;
+size_t lowest_point(const std::vector<operating_point> &points, size_t cap, double fixed_ms,
+                    double megacycles, double limit_ms) {
+    const double needed_mhz =
+        limit_ms > fixed_ms ? 1000 * megacycles / (limit_ms - fixed_ms) : points[0].mhz;
+    size_t at = points.size() - 1;
+    while (at > cap && points[at].mhz < needed_mhz)
+        --at;
+    return at;
 }
 
-void pick_levels(const play_state &state, const game_work &game, governor picks,
-                 const device_levels &levels, const size_t *caps, size_t *picked) {
-    std::copy_n(caps, resource_count, picked);
-    if (picks == governor::max)
-        return;
-    const double factor = state.expected;
-    double limit_ms = state.period_us / 1000 / headrooms[static_cast<size_t>(picks)];
-    picked[resource_little] = lowest_level(levels.mhz[resource_little], caps[resource_little], 0,
-                                           little_megacycles, limit_ms);
-    // Where one waits for the other, each has the share of the frame that it has at the caps.
-    double cpu_limit_ms = limit_ms;
-    double gpu_limit_ms = limit_ms;
-    if (game.serial) {
-        const frame_times full =
-            times_at(game, factor, levels.mhz[resource_big][caps[resource_big]],
-                     levels.mhz[resource_gpu][caps[resource_gpu]]);
-        cpu_limit_ms = limit_ms * full.cpu_ms / full.whole_ms;
-        gpu_limit_ms = limit_ms - cpu_limit_ms;
+// A frame's time between two that are seen, of the panel or of the game's own limiter.
+double frame_us(const game_work &game, const environment &on) {
+    return 1e6 / (game.limit_fps > 0 ? std::min(game.limit_fps, on.panel_hz) : on.panel_hz);
+}
+
+void pick_points(play_state *state, const game_work &game, const environment &on,
+                 const size_t *caps) {
+    size_t wanted[resource_count];
+    std::copy_n(caps, resource_count, wanted);
+    const std::vector<operating_point> *points = on.device.points;
+    const std::vector<operating_point> &big = points[resource_big];
+    const std::vector<operating_point> &gpu = points[resource_gpu];
+    if (on.picks != governor::max) {
+        const double factor = state->expected;
+        const double limit_ms =
+            frame_us(game, on) / 1000 / headrooms[static_cast<size_t>(on.picks)];
+        wanted[resource_little] = lowest_point(points[resource_little], caps[resource_little], 0,
+                                               little_megacycles, limit_ms);
+        // Where one waits for the other, each has the share of the frame that it has at the caps.
+        double cpu_limit_ms = limit_ms;
+        double gpu_limit_ms = limit_ms;
+        if (game.serial) {
+            const frame_times full =
+                times_at(game, factor, big[caps[resource_big]].mhz, gpu[caps[resource_gpu]].mhz);
+            cpu_limit_ms = limit_ms * full.cpu_ms / full.whole_ms;
+            gpu_limit_ms = limit_ms - cpu_limit_ms;
+        }
+        wanted[resource_big] = lowest_point(big, caps[resource_big], factor * game.cpu_fixed_ms,
+                                            factor * game.cpu_megacycles, cpu_limit_ms);
+        wanted[resource_gpu] = lowest_point(gpu, caps[resource_gpu], factor * game.gpu_fixed_ms,
+                                            factor * game.gpu_megacycles, gpu_limit_ms);
+        if (uniform_at(state->touch, state->frame / touch_frames) < touch_share)
+            wanted[resource_big] =
+                std::min(wanted[resource_big],
+                         std::max(caps[resource_big], point_within(big, touch_floor * big[0].mhz)));
     }
-    picked[resource_big] =
-        lowest_level(levels.mhz[resource_big], caps[resource_big], factor * game.cpu_fixed_ms,
-                     factor * game.cpu_megacycles, cpu_limit_ms);
-    picked[resource_gpu] =
-        lowest_level(levels.mhz[resource_gpu], caps[resource_gpu], factor * game.gpu_fixed_ms,
-                     factor * game.gpu_megacycles, gpu_limit_ms);
+    for (int i = 0; i < resource_count; ++i) {
+        if (wanted[i] > state->picked[i]) {
+            if (state->time_us - state->lowered_us[i] < lower_after_us)
+                wanted[i] = std::max(state->picked[i], caps[i]);
+            else
+                state->lowered_us[i] = state->time_us;
+        }
+        state->picked[i] = wanted[i];
+    }
 }
 
-// Dynamic power by frequency and voltage squared while busy, leakage all the time.
-double energy_mj(const power_row &power, double mhz, double full_mhz, double busy_ms,
-                 double whole_ms) {
-    const double frequency = mhz / full_mhz;
-    const double voltage = share_of_voltage(frequency);
-    return (power.dynamic_mw * frequency * voltage * voltage * std::min(busy_ms, whole_ms) +
-            power.leakage_mw * voltage * whole_ms) /
-           1000;
+// A resource's energy over `whole_ms`, of which `busy_ms` at work.
+double energy_mj(const operating_point &point, double busy_ms, double whole_ms) {
+    busy_ms = std::min(busy_ms, whole_ms);
+    return (point.busy_mw * busy_ms + point.idle_mw * (whole_ms - busy_ms)) / 1000;
 }
 
-void spend(play_state *state, const device_levels &levels, const size_t *picked,
-           const frame_times &times, double interval_ms) {
+void warm(play_state *state, const heat_model &heat, double chip_mj, double interval_us) {
+    const double towards_c = heat.ambient_c + heat.k_per_w * chip_mj / interval_us * 1000;
+    state->chip_c +=
+        (towards_c - state->chip_c) * std::min(interval_us / (heat.seconds * 1e6), 1.0);
+    const double time_us = state->time_us;
+    if (time_us - state->looked_us < heat.look_s * 1e6)
+        return;
+    state->looked_us = time_us;
+    if (state->chip_c > heat.held_c)
+        ++state->held_back;
+    else if (state->chip_c < heat.free_c && state->held_back > 0)
+        --state->held_back;
+}
+
+void spend(play_state *state, const environment &on, const frame_times &times, double interval_us) {
+    const std::vector<operating_point> *points = on.device.points;
+    const size_t *picked = state->picked;
     const double busy_ms[resource_count] = {
         times.cpu_ms,
-        1000 * little_megacycles / levels.mhz[resource_little][picked[resource_little]],
+        1000 * little_megacycles / points[resource_little][picked[resource_little]].mhz,
         times.gpu_ms};
+    double chip_mj = 0;
     for (int i = 0; i < resource_count; ++i)
-        state->energy_mj += energy_mj(powers[i], levels.mhz[i][picked[i]], levels.mhz[i][0],
-                                      busy_ms[i], interval_ms);
+        chip_mj += energy_mj(points[i][picked[i]], busy_ms[i], interval_us / 1000);
+    state->energy_mj += chip_mj + on.base_mw * interval_us / 1e6;
+    if (on.device.heat.k_per_w > 0)
+        warm(state, on.device.heat, chip_mj, interval_us);
+}
+
+// How many periods of the panel a frame of a game's limiter stands for at least.
+int64_t periods_a_frame(const game_work &game, const environment &on) {
+    const double ratio = game.limit_fps > 0 ? on.panel_hz / game.limit_fps : 1;
+    return std::fabs(ratio - std::round(ratio)) < limiter_slack * ratio
+               ? std::max<int64_t>(std::lround(ratio), 1)
+               : 1;
 }
 
 }  // namespace
 
-const char *const resource_names[resource_count] = {"CLUSTER1", "CLUSTER0", "GPU"};
-
-int resource_of(const std::string &name) {
-    for (int i = 0; i < resource_count; ++i)
-        if (name == std::string("TMK_") + resource_names[i])
-            return i;
-    return -1;
-}
-
-device_levels levels_of(const simulated_figures &figures) {
-    device_levels levels;
-    for (const tmk_freq_row &row : figures.rows) {
-        const int which = resource_of(std::string("TMK_") + row.name);
-        const double per_mhz = row.type == freq_type_gpu ? 1e6 : 1e3;
-        for (uint32_t level = 0; which >= 0 && level < freq_level_slots && row.freqs[level] != 0;
-             ++level)
-            levels.mhz[which].push_back(row.freqs[level] / per_mhz);
-    }
-    return levels;
-}
-
-play_state play_begin(uint64_t seed, double panel_hz) {
+play_state play_begin(uint64_t seed, const game_work &game, const environment &on) {
     play_state state;
-    state.random.seed(seed);
-    state.period_us = 1e6 / panel_hz;
-    state.drift_phase = 2 * pi * uniform(&state.random);
+    const auto stream = [&](stream_purpose purpose) { return stream_of(seed, game.name, purpose); };
+    state.noise = stream(stream_purpose::noise);
+    state.heavy = stream(stream_purpose::heavy);
+    state.scene = stream(stream_purpose::scene);
+    state.display = stream(stream_purpose::display);
+    state.touch = stream(stream_purpose::touch);
+    state.drift_phase = 2 * pi * uniform_at(stream(stream_purpose::drift), 0);
+    state.chip_c = on.device.heat.ambient_c;
     return state;
 }
 
-double play_frame(play_state *state, const game_work &game, const variation &varies, governor picks,
-                  const device_levels &levels, const size_t caps[resource_count]) {
+double play_frame(play_state *state, const game_work &game, const variation &varies,
+                  const environment &on, const size_t caps[resource_count]) {
     const double factor = next_factor(state, varies);
-    size_t picked[resource_count];
-    pick_levels(*state, game, picks, levels, caps, picked);
-    const frame_times times = times_at(game, factor, levels.mhz[resource_big][picked[resource_big]],
-                                       levels.mhz[resource_gpu][picked[resource_gpu]]);
-    state->expected += expectation_weight * (factor - state->expected);
-    ++state->frame;
+    size_t limits[resource_count];
+    for (int i = 0; i < resource_count; ++i)
+        limits[i] = std::max(caps[i], std::min(state->held_back, on.device.points[i].size() - 1));
+    pick_points(state, game, on, limits);
+    const auto mhz = [&](const size_t *points, int which) {
+        return on.device.points[which][points[which]].mhz;
+    };
+    frame_times times =
+        times_at(game, factor, mhz(state->picked, resource_big), mhz(state->picked, resource_gpu));
+    // A frame that does not come to its end in time has the governors go up, and the rest of it is
+    // drawn at the caps.
+    const double due_ms = frame_us(game, on) / 1000;
+    if (times.whole_ms > due_ms) {
+        const frame_times capped =
+            times_at(game, factor, mhz(limits, resource_big), mhz(limits, resource_gpu));
+        const double rest = 1 - due_ms / times.whole_ms;
+        times.whole_ms = due_ms + rest * capped.whole_ms;
+    }
 
     // A frame is seen at the end of the panel's period in which it is ready, one a period. With two
     // buffers the next one is begun then; with three, as soon as the one before the last is seen.
-    const double last_us = static_cast<double>(state->shown) * state->period_us;
-    const double free_us = static_cast<double>(state->shown_before) * state->period_us;
-    const double begun_us = varies.buffers == 2 ? last_us : std::max(state->time_us, free_us);
+    const double period_us = 1e6 / on.panel_hz;
+    const int64_t periods = periods_a_frame(game, on);
+    const double last_us = static_cast<double>(state->shown) * period_us;
+    const double free_us = static_cast<double>(state->shown_before) * period_us;
+    double begun_us = on.buffers == 2 ? last_us : std::max(state->time_us, free_us);
+    if (game.limit_fps > 0 && periods == 1)
+        begun_us = std::max(begun_us, state->begun_us + frame_us(game, on));
+    state->begun_us = begun_us;
     state->time_us = begun_us + times.whole_ms * 1000;
-    const int64_t ready = static_cast<int64_t>(ceil(state->time_us / state->period_us));
-    const int64_t seen = std::max(ready, state->shown + 1);
-    const double late_us = varies.display_us * standard_normal(&state->random);
-    const double interval_us =
-        static_cast<double>(seen - state->shown) * state->period_us + late_us - state->late_us;
-    spend(state, levels, picked, times,
-          static_cast<double>(seen - state->shown) * state->period_us / 1000);
+    const int64_t ready = static_cast<int64_t>(ceil(state->time_us / period_us));
+    const int64_t seen = std::max(ready, state->shown + periods);
+    const double whole_us = static_cast<double>(seen - state->shown) * period_us;
+    const double late_us = varies.display_us * normal_at(state->display, state->frame);
+    const double interval_us = whole_us + late_us - state->late_us;
+    spend(state, on, times, whole_us);
+    state->expected += (1 - exp2(-whole_us / half_life_us)) * (factor - state->expected);
+    ++state->frame;
     state->shown_before = state->shown;
     state->shown = seen;
     state->late_us = late_us;

@@ -1,15 +1,17 @@
-// The lab's model of a game on a device: work a frame, how it varies, governors that pick
-// frequencies below the caps, the panel, and power. What comes out is a model's result; docs/lab.md
-// says what it rests on and what it cannot tell.
+// The lab's model of a game on a device: work a frame, how it varies, governors that pick clocks
+// below the caps, the panel, power and heat. What comes out is a model's result; docs/lab.md says
+// what it rests on and what it cannot tell.
+//
+// A frame's work is a function of seed, game and frame number alone: two plays of a game with other
+// caps differ by what the caps do, and by nothing else.
 #pragma once
 
 #include <cstdint>
-#include <random>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "simulator/simulator.h"
+#include "tools/lab/device_model.h"
+#include "tools/lab/random_stream.h"
 
 // A game's work: the time of a frame on a CPU at c MHz is cpu_fixed_ms + 1000 x cpu_megacycles / c,
 // on a GPU likewise; the frame takes the longer of both, or their sum where one waits for the
@@ -21,59 +23,61 @@ struct game_work {
     double cpu_megacycles = 0;
     double gpu_fixed_ms = 0;
     double gpu_megacycles = 0;
+    double limit_fps = 0;  // the game's own limiter; 0: none
+    bool told = true;      // false: it held the panel's rate wherever it was measured
 };
 
 // How a frame's work varies around the game's; shares of it.
 struct variation {
-    double noise = 0.03;          // standard deviation from frame to frame
-    double drift = 0.03;          // amplitude of a slow wave
-    double drift_s = 40;          // its period
-    double heavy = 0.002;         // share of frames that are heavy
-    double heavy_factor = 1.8;    // their work
-    double scene = 0.03;          // standard deviation from scene to scene
-    double scene_s = 45;          // a scene's length
-    double display_us = 40;       // standard deviation of when a frame is seen
-    int buffers = 3;              // that frames are drawn into and seen from, 2 or 3
-    std::vector<double> factors;  // of frames, in turn, instead of how their work varies
+    double noise = 0.03;           // standard deviation from frame to frame
+    double drift = 0.03;           // amplitude of a slow wave
+    double drift_frames = 2400;    // its period
+    double heavy = 0.002;          // share of frames that are heavy
+    double heavy_factor = 1.8;     // their work
+    double scene = 0.03;           // standard deviation from scene to scene
+    uint64_t scene_frames = 2700;  // a scene's length
+    double display_us = 40;        // standard deviation of when a frame is seen
+    std::vector<double> factors;   // of frames, in turn, instead of how their work varies
 };
 
 enum class governor {
-    fit,    // the lowest level that holds the frame with a quarter of headroom
-    eager,  // the lowest level at which half of the time is rest
+    fit,    // the lowest clock that holds the frame with a quarter of headroom
+    eager,  // the lowest clock at which half of the time is rest
     max,    // always the cap
 };
 
-// The resources that caps are for, as indices of what is kept for each.
-enum resource_index { resource_big, resource_little, resource_gpu, resource_count };
-
-// The levels of a device's resources, in MHz, the highest first.
-struct device_levels {
-    std::vector<double> mhz[resource_count];
+// What a game is played on.
+struct environment {
+    device_model device;
+    double panel_hz = 59.92;
+    governor picks = governor::fit;
+    int buffers = 3;
+    double base_mw = 0;
 };
-device_levels levels_of(const simulated_figures &figures);
-
-// A resource's name in the daemon's calls ("TMK_GPU"), or -1.
-int resource_of(const std::string &name);
-extern const char *const resource_names[resource_count];
 
 // A game while it is played.
 struct play_state {
-    std::mt19937_64 random;
-    double time_us = 0;    // when the frame was ready that was begun last
-    double period_us = 0;  // of the panel
-    int64_t shown = 0;     // periods at whose end the last frame was seen, and the one before
+    uint64_t frame = 0;
+    double time_us = 0;   // when the frame was ready that was begun last
+    double begun_us = 0;  // when that was
+    int64_t shown = 0;    // periods at whose end the last frame was seen, and the one before
     int64_t shown_before = 0;
-    double late_us = 0;  // how much later than that the last frame was seen
+    double late_us = 0;                  // how much later than that the last frame was seen
+    double expected = 1;                 // factor of work that the governor expects
+    size_t picked[resource_count] = {};  // points, and when they went down last
+    double lowered_us[resource_count] = {};
+    double chip_c = 0;     // its temperature
+    double looked_us = 0;  // when that was looked at last
+    size_t held_back = 0;  // points that heat takes off the clocks
+    double energy_mj = 0;
+    // Streams of this seed and game, and what lasts a scene.
+    random_stream noise, heavy, scene, display, touch;
     double drift_phase = 0;
     double scene_factor = 1;
-    double scene_end_us = 0;
-    double expected = 1;  // factor of work that the governor expects
-    size_t frame = 0;
-    double energy_mj = 0;
 };
-play_state play_begin(uint64_t seed, double panel_hz);
+play_state play_begin(uint64_t seed, const game_work &game, const environment &on);
 
-// Plays one frame with levels no higher than the caps; the interval since the last one, in
+// Plays one frame with clocks no higher than the points `caps`; the interval since the last one, in
 // microseconds, as the display has it.
-double play_frame(play_state *state, const game_work &game, const variation &varies, governor picks,
-                  const device_levels &levels, const size_t caps[resource_count]);
+double play_frame(play_state *state, const game_work &game, const variation &varies,
+                  const environment &on, const size_t caps[resource_count]);

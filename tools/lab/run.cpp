@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "device/virtual_device.h"
+#include "fia/records.h"
 #include "tools/base/output_file.h"
 #include "tools/recording/cap_call.h"
 #include "tools/recording/messages.h"
@@ -23,13 +24,16 @@ constexpr int64_t boot_ns = 1000 * second_ns;
 constexpr double timers_us = 3e6;  // all that a game's coming arms are over by then
 constexpr double late_factor = 1.5;
 constexpr size_t slowest_part = 100;
+constexpr size_t learned_intervals = 300;  // between two looks at what the analyser has learned
 
 // The daemon beside the game.
 struct loop {
-    size_t caps[resource_count] = {};
-    device_levels levels;
+    size_t caps[resource_count] = {};  // points of the device
+    const environment *on = nullptr;
+    std::vector<double> levels[resource_count];  // of the daemon's caps, in MHz
+    size_t level[resource_count] = {};
     output_file recording;  // closed: none is wanted
-    // Of each cap: where it was, for how long, and which way it went last.
+    // Of each cap: for how long it stood where it is, and which way it went last.
     double since_us[resource_count] = {};
     double cut_us[resource_count] = {};
     int last_way[resource_count] = {};
@@ -38,11 +42,12 @@ struct loop {
     std::map<std::vector<size_t>, double> stood_us;
     std::map<std::vector<size_t>, double> first_us;
     double stood_since_us = 0;
-    bool timers_ran = false;  // those that the game's coming armed
+    std::map<int, int> learned;  // how often the analyser was seen to hold which frame rate
+    bool timers_ran = false;     // those that the game's coming armed
 };
 
 std::vector<size_t> standing(const loop &daemon) {
-    return {daemon.caps, daemon.caps + resource_count};
+    return {daemon.level, daemon.level + resource_count};
 }
 
 void note_standing(loop *daemon, double time_us) {
@@ -50,24 +55,46 @@ void note_standing(loop *daemon, double time_us) {
     daemon->stood_since_us = time_us;
 }
 
+// What a cap takes off its resource's highest clock.
+double cut_of(const loop &daemon, int which) {
+    return 1 - daemon.levels[which][daemon.level[which]] / daemon.levels[which][0];
+}
+
+void note_cut(loop *daemon, int which, double time_us) {
+    daemon->cut_us[which] += cut_of(*daemon, which) * (time_us - daemon->since_us[which]);
+    daemon->since_us[which] = time_us;
+}
+
 void move_cap(loop *daemon, int which, double mhz, double time_us) {
-    const std::vector<double> &levels = daemon->levels.mhz[which];
+    const std::vector<double> &levels = daemon->levels[which];
     const auto found = std::find_if(levels.begin(), levels.end(), [&](double each) {
         return each > mhz - 0.5 && each < mhz + 0.5;
     });
     const size_t level = static_cast<size_t>(found - levels.begin());
-    size_t *cap = &daemon->caps[which];
-    if (found == levels.end() || level == *cap)
+    daemon->caps[which] = point_within(daemon->on->device.points[which], mhz);
+    if (found == levels.end() || level == daemon->level[which])
         return;
     note_standing(daemon, time_us);
-    daemon->cut_us[which] += (1 - levels[*cap] / levels[0]) * (time_us - daemon->since_us[which]);
-    daemon->since_us[which] = time_us;
-    const int way = level > *cap ? 1 : -1;
+    note_cut(daemon, which, time_us);
+    const int way = level > daemon->level[which] ? 1 : -1;
     daemon->reversals += daemon->last_way[which] == -way ? 1 : 0;
     daemon->last_way[which] = way;
     ++daemon->changes;
-    *cap = level;
+    daemon->level[which] = level;
     daemon->first_us.try_emplace(standing(*daemon), time_us);
+}
+
+// Notes what the analyser holds the game to. It runs in this very process, between two happenings.
+void note_learned(loop *daemon) {
+    if (fia_is_enabled() && fia.data->mode == fia_mode_am && fia.data->cur != nullptr)
+        ++daemon->learned[fia.data->cur->target_fps + 1];
+}
+
+int learned_fps(const loop &daemon) {
+    const auto most =
+        std::max_element(daemon.learned.begin(), daemon.learned.end(),
+                         [](const auto &a, const auto &b) { return a.second < b.second; });
+    return most != daemon.learned.end() ? most->first : 0;
 }
 
 bool is_recorded(const loop &daemon) {
@@ -97,6 +124,27 @@ happening make_happening(happening_kind kind, int64_t clock_ns) {
     return made;
 }
 
+recording_header make_header(const simulated_figures &figures) {
+    recording_header header;
+    header.daemon = DVX_VERSION;
+    header.taken = true;
+    header.time_ns = boot_ns;
+    header.device = "lab";
+    for (const auto &[name, value] : settings_of(figures))
+        header.settings[name] = std::to_string(value);
+    return header;
+}
+
+std::vector<happening> coming_of(const std::string &game) {
+    std::vector<happening> coming;
+    for (const dvx_message &message :
+         {make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_ACTIVITY, game + "/.Game"),
+          make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_WINDOW, game),
+          make_message(DVX_CLIENT_POWERHAL, DVX_CODE_GAME, {0, 1, 60, 0})})
+        coming.push_back(make_message_happening(message, boot_ns));
+    return coming;
+}
+
 // Start-up, and the game in front with the timers that follow from that.
 void begin(loop *daemon, const lab_setup &setup, const std::string &game) {
     simulator_setup device = simulator_fresh_device(device_image_path());
@@ -104,26 +152,17 @@ void begin(loop *daemon, const lab_setup &setup, const std::string &game) {
     // Debug lines tell why; without somebody who reads them they only take time.
     device.properties["debug.dvxd_log.enable"] = is_recorded(*daemon) ? "1" : "0";
     if (is_recorded(*daemon)) {
-        recording_header header;
-        header.daemon = DVX_VERSION;
-        header.taken = true;
-        header.time_ns = boot_ns;
-        header.device = "lab";
+        recording_header header = make_header(setup.figures);
         header.properties = device.properties;
         header.answers = device.answers;
-        for (const auto &[name, value] : settings_of(setup.figures))
-            header.settings[name] = std::to_string(value);
         output_write(&daemon->recording, recording_header_line(header) + "\n");
     }
     simulator_replay_from(device, boot_ns);
     for (const happening_kind kind :
          {happening_kind::load, happening_kind::start, happening_kind::analyser})
         take_up_recorded(daemon, make_happening(kind, boot_ns), 0);
-    for (const dvx_message &message :
-         {make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_ACTIVITY, game + "/.Game"),
-          make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_WINDOW, game),
-          make_message(DVX_CLIENT_POWERHAL, DVX_CODE_GAME, {0, 1, 60, 0})})
-        take_up_recorded(daemon, make_message_happening(message, boot_ns), 0);
+    for (const happening &each : coming_of(game))
+        take_up_recorded(daemon, each, 0);
 }
 
 // The game leaves; whether a cap is left behind.
@@ -133,8 +172,8 @@ bool end(loop *daemon, double time_us) {
     take_up_recorded(daemon, make_message_happening(leaves, clock_ns), time_us);
     take_up_recorded(daemon, make_happening(happening_kind::timers, clock_ns + 5 * second_ns),
                      time_us);
-    return std::any_of(daemon->caps, daemon->caps + resource_count,
-                       [](size_t cap) { return cap != 0; });
+    return std::any_of(daemon->level, daemon->level + resource_count,
+                       [](size_t level) { return level != 0; });
 }
 
 double settle_s(const loop &daemon) {
@@ -150,23 +189,22 @@ void finish_caps(run_result *result, loop *daemon, double time_us) {
     result->settle_s = settle_s(*daemon);
     result->changes = daemon->changes;
     result->reversals = daemon->reversals;
+    result->learned_fps = learned_fps(*daemon);
     for (int i = 0; i < resource_count; ++i) {
-        const std::vector<double> &levels = daemon->levels.mhz[i];
-        daemon->cut_us[i] +=
-            (1 - levels[daemon->caps[i]] / levels[0]) * (time_us - daemon->since_us[i]);
+        note_cut(daemon, i, time_us);
         result->cut[i] = daemon->cut_us[i] / time_us;
     }
 }
 
+// The frames of a play, whose time is the sum of their intervals; later ones are those beyond
+// `median_us`, the intervals' own where that is 0.
 void finish_frames(run_result *result, std::vector<float> *intervals_us, double time_us,
-                   double energy, double *median_us) {
+                   const play_state &state, double median_us) {
     const size_t count = intervals_us->size();
-    if (*median_us == 0) {
-        std::nth_element(intervals_us->begin(),
-                         intervals_us->begin() + static_cast<long>(count / 2), intervals_us->end());
-        *median_us = (*intervals_us)[count / 2];
-    }
-    const double limit_us = late_factor * *median_us;
+    std::nth_element(intervals_us->begin(), intervals_us->begin() + static_cast<long>(count / 2),
+                     intervals_us->end());
+    result->median_us = (*intervals_us)[count / 2];
+    const double limit_us = late_factor * (median_us > 0 ? median_us : result->median_us);
     result->missed =
         static_cast<double>(std::count_if(intervals_us->begin(), intervals_us->end(),
                                           [&](float each) { return each > limit_us; })) /
@@ -178,112 +216,177 @@ void finish_frames(run_result *result, std::vector<float> *intervals_us, double 
         std::accumulate(intervals_us->end() - static_cast<long>(slow), intervals_us->end(), 0.0);
     result->low_fps = 1e6 * static_cast<double>(slow) / slow_us;
     result->fps = 1e6 * static_cast<double>(count) / time_us;
-    result->energy_mj = energy;
+    result->energy_mj = state.energy_mj;
+    result->seconds = time_us / 1e6;
+    result->frames = static_cast<double>(count);
 }
 
-game_result play(const lab_setup &setup, const game_work &game) {
-    game_result result;
-    result.game = game.name;
-    result.minutes = setup.minutes;
-    const double length_us = setup.minutes * 60e6;
-    double median_us = 0;
+// Plays frames under caps that may change from one to the next, until `more` says that it is
+// enough; `take` has each interval, with the time at its end.
+double play_frames(const lab_setup &setup, const game_work &game, uint64_t seed, const size_t *caps,
+                   const std::function<bool(double time_us, size_t frames)> &more,
+                   const std::function<void(double interval_us, double time_us)> &take,
+                   double median_us, run_result *result) {
     std::vector<float> intervals_us;
-    intervals_us.reserve(static_cast<size_t>(length_us / 1e6 * setup.panel_hz) + 16);
-    const auto play_whole = [&](run_result *into, loop *with_daemon) {
-        constexpr size_t no_caps[resource_count] = {};
-        const device_levels levels = levels_of(setup.figures);
-        play_state state = play_begin(setup.seed, setup.panel_hz);
-        happening interval = make_happening(happening_kind::interval, 0);
-        double time_us = 0;
-        intervals_us.clear();
-        while (time_us < length_us) {
-            const double interval_us =
-                play_frame(&state, game, setup.varies, setup.picks, levels,
-                           with_daemon != nullptr ? with_daemon->caps : no_caps);
-            time_us += interval_us;
-            intervals_us.push_back(static_cast<float>(interval_us));
-            if (with_daemon == nullptr)
-                continue;
-            const int64_t clock_ns = boot_ns + static_cast<int64_t>(time_us * 1000);
-            interval.time_ns = clock_ns;
-            interval.interval_us = static_cast<int32_t>(std::lround(interval_us));
-            take_up_recorded(with_daemon, interval, time_us);
-            if (time_us > timers_us && !std::exchange(with_daemon->timers_ran, true))
-                take_up_recorded(with_daemon, make_happening(happening_kind::timers, clock_ns),
-                                 time_us);
-        }
-        finish_frames(into, &intervals_us, time_us, state.energy_mj, &median_us);
-        return time_us;
-    };
-    play_whole(&result.free, nullptr);
-    loop daemon;
-    daemon.levels = levels_of(setup.figures);
-    if (!setup.record.empty())
-        daemon.recording = output_open(setup.record + "/" + game.name + ".rec");
-    result.unwritten = daemon.recording.error;
-    if (!result.unwritten.empty())
-        return result;
-    begin(&daemon, setup, game.name);
-    const double time_us = play_whole(&result.capped, &daemon);
-    finish_caps(&result.capped, &daemon, time_us);
-    result.caps_left = end(&daemon, time_us);
-    if (!setup.record.empty())
-        result.unwritten = output_finish(&daemon.recording);
+    intervals_us.reserve(static_cast<size_t>(setup.minutes * 60 * setup.on.panel_hz) + 16);
+    play_state state = play_begin(seed, game, setup.on);
+    double time_us = 0;
+    while (more(time_us, intervals_us.size())) {
+        const double interval_us = play_frame(&state, game, setup.varies, setup.on, caps);
+        time_us += interval_us;
+        intervals_us.push_back(static_cast<float>(interval_us));
+        result->warmest_c = std::max(result->warmest_c, state.chip_c);
+        take(interval_us, time_us);
+    }
+    finish_frames(result, &intervals_us, time_us, state, median_us);
+    return time_us;
+}
+
+run_result play_free(const lab_setup &setup, const game_work &game, uint64_t seed,
+                     const std::function<void(double interval_us, double time_us)> &take) {
+    constexpr size_t no_caps[resource_count] = {};
+    run_result result;
+    play_frames(
+        setup, game, seed, no_caps,
+        [&](double time_us, size_t) { return time_us < setup.minutes * 60e6; }, take, 0, &result);
     return result;
 }
 
-// ---- between processes
-
-// What a child answers; behind it, why its recording could not be written.
-struct packed_result {
-    run_result free;
-    run_result capped;
-    bool caps_left;
-};
-
-std::string pack(const game_result &result) {
-    return child_pack(packed_result{result.free, result.capped, result.caps_left}) +
-           result.unwritten;
+// The file of one of a game's two runs.
+output_file open_recording(const lab_setup &setup, const game_work &game, const char *run) {
+    return output_open(setup.record + "/" + game.name + run + ".rec");
 }
 
-game_result unpack(const lab_setup &setup, const game_work &game, const child_result &child) {
-    packed_result packed;
+happening make_interval(double interval_us, double time_us) {
+    happening interval =
+        make_happening(happening_kind::interval, boot_ns + static_cast<int64_t>(time_us * 1000));
+    interval.interval_us = static_cast<int32_t>(std::lround(interval_us));
+    return interval;
+}
+
+// The run without caps again, as a recording: the game comes and its frames, and nobody answers.
+std::string record_free(const lab_setup &setup, const game_work &game, uint64_t seed) {
+    output_file file = open_recording(setup, game, ".free");
+    if (!file.error.empty())
+        return file.error;
+    recording_header header = make_header(setup.figures);
+    header.device = "lab, without caps";
+    output_write(&file, recording_header_line(header) + "\n");
+    for (const happening &each : coming_of(game.name))
+        output_write(&file, recording_line_of(each) + "\n");
+    play_free(setup, game, seed, [&](double interval_us, double time_us) {
+        output_write(&file, recording_line_of(make_interval(interval_us, time_us)) + "\n");
+    });
+    return output_finish(&file);
+}
+
+// The frames of a run without caps, with the daemon's. Empty, or why its recording could not be
+// written.
+std::string play_capped(const lab_setup &setup, const game_work &game, uint64_t seed,
+                        const run_result &free, bool recorded, run_result *result) {
+    loop daemon;
+    daemon.on = &setup.on;
+    for (const tmk_freq_row &row : setup.figures.rows)
+        daemon.levels[resource_of(std::string("TMK_") + row.name)] = cap_levels_mhz(row);
+    if (recorded)
+        daemon.recording = open_recording(setup, game, "");
+    if (!daemon.recording.error.empty())
+        return daemon.recording.error;
+    begin(&daemon, setup, game.name);
+    size_t frames = 0;
+    const auto take = [&](double interval_us, double time_us) {
+        const happening interval = make_interval(interval_us, time_us);
+        take_up_recorded(&daemon, interval, time_us);
+        if (time_us > timers_us && !std::exchange(daemon.timers_ran, true))
+            take_up_recorded(&daemon, make_happening(happening_kind::timers, interval.time_ns),
+                             time_us);
+        if (++frames % learned_intervals == 0)
+            note_learned(&daemon);
+    };
+    const double time_us = play_frames(
+        setup, game, seed, daemon.caps,
+        [&](double, size_t played) { return static_cast<double>(played) < free.frames; }, take,
+        free.median_us, result);
+    finish_caps(result, &daemon, time_us);
+    result->caps_left = end(&daemon, time_us);
+    return recorded ? output_finish(&daemon.recording) : "";
+}
+
+// How a game's plays came out, from its children's answers.
+game_result collect(const game_work &game, const std::vector<run_result> &free,
+                    const child_result *children) {
     game_result result;
     result.game = game.name;
-    result.minutes = setup.minutes;
-    result.error = child.error;
-    if (!result.error.empty())
-        return result;
-    if (!child_unpack(child.output, &packed)) {
-        result.error = "said nothing";
-        return result;
+    result.told = game.told;
+    for (size_t i = 0; i < free.size(); ++i) {
+        play_result play = {free[i], {}};
+        if (!children[i].error.empty())
+            result.error = children[i].error;
+        else if (!child_unpack(children[i].output, &play.capped))
+            result.error = "said nothing";
+        else if (result.unwritten.empty())
+            result.unwritten = children[i].output.substr(sizeof(play.capped));
+        result.plays.push_back(play);
     }
-    result.free = packed.free;
-    result.capped = packed.capped;
-    result.caps_left = packed.caps_left;
-    result.unwritten = child.output.substr(sizeof(packed));
     return result;
 }
 
 }  // namespace
 
-std::vector<game_result> lab_run(const lab_setup &setup) {
+std::vector<std::vector<run_result>> lab_run_free(const lab_setup &setup) {
     std::vector<std::function<std::string()>> works;
     for (const game_work &game : setup.games)
-        works.push_back([&setup, &game] { return pack(play(setup, game)); });
+        works.push_back([&] {
+            std::string answer;
+            for (int i = 0; i < setup.seeds; ++i)
+                answer += child_pack(play_free(setup, game, setup.seed + static_cast<uint64_t>(i),
+                                               [](double, double) {}));
+            return answer;
+        });
+    std::vector<std::vector<run_result>> runs;
+    for (const child_result &child : run_in_children(works, setup.jobs)) {
+        std::vector<run_result> &of_game = runs.emplace_back(setup.seeds);
+        for (size_t i = 0; i < of_game.size(); ++i)
+            child_unpack(child.output.substr(std::min(i * sizeof(run_result), child.output.size())),
+                         &of_game[i]);
+    }
+    return runs;
+}
+
+std::vector<game_result> lab_run(const lab_setup &setup,
+                                 const std::vector<std::vector<run_result>> &free) {
+    std::vector<std::function<std::string()>> works;
+    for (size_t g = 0; g < setup.games.size(); ++g)
+        for (size_t i = 0; i < free[g].size(); ++i)
+            works.push_back([&, g, i] {
+                const game_work &game = setup.games[g];
+                const uint64_t seed = setup.seed + i;
+                const bool recorded = !setup.record.empty() && i == 0;
+                run_result capped;
+                std::string unwritten = recorded ? record_free(setup, game, seed) : "";
+                if (unwritten.empty())
+                    unwritten = play_capped(setup, game, seed, free[g][i], recorded, &capped);
+                return child_pack(capped) + unwritten;
+            });
     const std::vector<child_result> children = run_in_children(works, setup.jobs);
     std::vector<game_result> results;
-    for (size_t i = 0; i < children.size(); ++i)
-        results.push_back(unpack(setup, setup.games[i], children[i]));
+    size_t at = 0;
+    for (size_t g = 0; g < setup.games.size(); at += free[g++].size())
+        results.push_back(collect(setup.games[g], free[g], &children[at]));
     return results;
 }
 
-double lab_fps_lost(const game_result &result) {
-    return result.free.fps - result.capped.fps;
+double lab_fps_lost(const play_result &play) {
+    return play.free.fps - play.capped.fps;
 }
 
-double lab_energy_saved(const game_result &result) {
-    // With fewer frames less is spent: what counts is a frame's energy.
-    const double free = result.free.energy_mj / result.free.fps;
-    return free > 0 ? 1 - result.capped.energy_mj / result.capped.fps / free : 0;
+double lab_energy_saved(const play_result &play) {
+    return play.free.energy_mj > 0 ? 1 - play.capped.energy_mj / play.free.energy_mj : 0;
+}
+
+std::vector<double> lab_each(const game_result &result, double (*of)(const play_result &play)) {
+    std::vector<double> values;
+    for (const play_result &play : result.plays)
+        values.push_back(of(play));
+    return values;
 }

@@ -6,20 +6,25 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <random>
+#include <iterator>
+#include <numeric>
 #include <set>
 
 #include "tools/base/clock.h"
 #include "tools/base/exit_status.h"
 #include "tools/base/output_file.h"
 #include "tools/base/shown.h"
+#include "tools/base/terminal.h"
 #include "tools/base/whole_file.h"
 #include "tools/lab/lab_json.h"
-#include "tools/simulated/settings.h"
+#include "tools/lab/race.h"
+#include "tools/lab/summary.h"
 
 namespace {
 
 constexpr uint64_t grid_max = 1000000;
+constexpr size_t values_max = 7;  // of a figure that is moved alone
+constexpr size_t nearest_shown = 3;
 
 using figure_set = std::vector<int64_t>;  // a value a figure that is varied
 
@@ -27,35 +32,70 @@ uint64_t count_values(const varied_figure &figure) {
     return static_cast<uint64_t>((figure.high - figure.low) / figure.step) + 1;
 }
 
-// The sets to try: the figures as they are, and the whole grid where it is no larger than asked
-// for, else so many of it.
-std::vector<figure_set> draw_sets(const std::vector<varied_figure> &figures,
-                                  const simulated_figures &as_they_are, int samples,
-                                  uint64_t seed) {
-    uint64_t grid = 1;
+int64_t value_at(const varied_figure &figure, uint64_t index) {
+    return figure.low + static_cast<int64_t>(index) * figure.step;
+}
+
+figure_set own_set(const std::vector<varied_figure> &figures, const simulated_figures &own) {
+    figure_set set;
     for (const varied_figure &figure : figures)
-        grid = std::min(grid * count_values(figure), grid_max);
-    const bool whole = grid <= static_cast<uint64_t>(samples);
-    std::mt19937_64 random(seed);
-    std::vector<figure_set> sets(1);
-    for (const varied_figure &figure : figures)
-        for (const auto &[name, value] : settings_of(as_they_are))
+        for (const auto &[name, value] : settings_of(own))
             if (name == figure.name)
-                sets[0].push_back(value);
-    std::set<figure_set> drawn;
-    const uint64_t wanted = whole ? grid : static_cast<uint64_t>(samples);
-    for (uint64_t index = 0; drawn.size() < wanted; ++index) {
+                set.push_back(value);
+    return set;
+}
+
+// A Latin hypercube: each figure's range in as many parts as there are samples, each part once, in
+// an order of its own.
+std::vector<figure_set> draw_hypercube(const std::vector<varied_figure> &figures, size_t samples,
+                                       uint64_t seed) {
+    std::vector<figure_set> sets(samples);
+    for (const varied_figure &figure : figures) {
+        const random_stream stream = stream_of(seed, figure.name, stream_purpose::draw);
+        std::vector<size_t> order(samples);
+        std::iota(order.begin(), order.end(), 0);
+        for (size_t i = samples; i > 1; --i)
+            std::swap(order[i - 1], order[random_at(stream, i) % i]);
+        for (size_t i = 0; i < samples; ++i) {
+            const double place = (static_cast<double>(order[i]) + uniform_at(stream, samples + i)) /
+                                 static_cast<double>(samples);
+            const double values = static_cast<double>(count_values(figure));
+            sets[i].push_back(value_at(figure, static_cast<uint64_t>(place * values)));
+        }
+    }
+    return sets;
+}
+
+std::vector<figure_set> whole_grid(const std::vector<varied_figure> &figures, uint64_t grid) {
+    std::vector<figure_set> sets;
+    for (uint64_t index = 0; index < grid; ++index) {
         figure_set set;
         uint64_t rest = index;
         for (const varied_figure &figure : figures) {
-            const uint64_t values = count_values(figure);
-            const uint64_t pick = whole ? rest % values : random() % values;
-            rest /= values;
-            set.push_back(figure.low + static_cast<int64_t>(pick) * figure.step);
+            set.push_back(value_at(figure, rest % count_values(figure)));
+            rest /= count_values(figure);
         }
-        if (drawn.insert(set).second && set != sets[0])
-            sets.push_back(set);
+        sets.push_back(set);
     }
+    return sets;
+}
+
+// The sets to try: the figures as they are, and the whole grid where it is no larger than asked
+// for, else so many of it; each once.
+std::vector<figure_set> draw_sets(const std::vector<varied_figure> &figures,
+                                  const simulated_figures &own, const search_options &options) {
+    uint64_t grid = 1;
+    for (const varied_figure &figure : figures)
+        grid = std::min(grid * count_values(figure), grid_max);
+    const size_t samples = static_cast<size_t>(options.samples);
+    const std::vector<figure_set> drawn = grid <= samples
+                                              ? whole_grid(figures, grid)
+                                              : draw_hypercube(figures, samples, options.draw_seed);
+    std::vector<figure_set> sets = {own_set(figures, own)};
+    std::set<figure_set> known = {sets[0]};
+    for (const figure_set &set : drawn)
+        if (known.insert(set).second)
+            sets.push_back(set);
     return sets;
 }
 
@@ -66,75 +106,61 @@ setting_list name_set(const std::vector<varied_figure> &figures, const figure_se
     return set;
 }
 
-// Applies a set. Empty, or why it cannot be.
-std::string apply_set(const setting_list &set, simulated_figures *figures) {
-    for (const auto &[name, value] : set) {
-        std::string wrong = setting_apply(figures, name, value);
-        if (!wrong.empty())
-            return wrong;
-    }
-    return settings_check(*figures);
+std::string set_text(const setting_list &set) {
+    std::string text;
+    for (const auto &[name, value] : set)
+        text.append(text.empty() ? "" : " ").append(name).append("=") += std::to_string(value);
+    return text;
 }
 
-// What a set comes to over all games.
-tried_set try_set(lab_setup setup, const setting_list &set) {
-    tried_set tried;
-    tried.set = set;
-    tried.error = apply_set(set, &setup.figures);
-    if (!tried.error.empty())
-        return tried;
-    for (const game_result &result : lab_run(setup)) {
-        if (!result.error.empty()) {
-            tried.error = result.game + ": " + result.error;
-            return tried;
-        }
-        const tried_game game = {result.game, lab_fps_lost(result), lab_energy_saved(result)};
-        tried.energy_saved += game.saved;
-        tried.fps_lost += game.lost;
-        tried.caps_left |= result.caps_left;
-        if (tried.games.empty() || game.lost > tried.worst_lost) {
-            tried.worst_lost = game.lost;
-            tried.worst_game = game.name;
-        }
-        tried.games.push_back(game);
-    }
-    const double count = static_cast<double>(setup.games.size());
-    tried.minutes = setup.minutes;
-    tried.energy_saved /= count;
-    tried.fps_lost /= count;
-    return tried;
-}
-
-// Why a set that was tried is of no use here; empty where it is of this very search.
-std::string check_tried(const tried_set &tried, const lab_setup &setup,
-                        const std::vector<varied_figure> &figures) {
-    const auto has_figure = [&](const varied_figure &figure) {
-        return std::any_of(tried.set.begin(), tried.set.end(),
-                           [&](const auto &each) { return each.first == figure.name; });
-    };
-    const auto has_game = [&](const game_work &game) {
-        return std::any_of(tried.games.begin(), tried.games.end(),
-                           [&](const tried_game &each) { return each.name == game.name; });
-    };
-    if (tried.set.size() != figures.size() ||
-        !std::all_of(figures.begin(), figures.end(), has_figure))
-        return "its sets vary other figures";
-    if (tried.error.empty() &&
-        (tried.games.size() != setup.games.size() || tried.minutes != setup.minutes ||
-         !std::all_of(setup.games.begin(), setup.games.end(), has_game)))
-        return "its sets were tried on other games, or for another time";
-    return {};
-}
+// ---- a search's file
 
 // What a file holds of a search.
 struct tried_file {
     std::vector<tried_set> sets;
     size_t whole_bytes = 0;  // of the lines that are ended
-    bool last_open = false;  // the last set's line is not
 };
 
-// Reads lines of tried sets. Empty, or what is wrong.
-std::string read_tried(const std::string &path, tried_file *tried) {
+// Adds plays of a set to those that are known of it.
+void add_plays(std::vector<tried_set> *sets, const lab_search &search, tried_plays &&read) {
+    auto found = std::find_if(sets->begin(), sets->end(),
+                              [&](const tried_set &each) { return each.set == read.set; });
+    if (found == sets->end()) {
+        found = sets->insert(sets->end(), tried_set{read.set, "", {}, false});
+        for (const game_work &game : search.setup.games)
+            found->games.push_back(
+                {game.name, std::vector<std::vector<set_play>>(search.places.size())});
+    }
+    found->error = read.error;
+    found->caps_left |= read.caps_left;
+    for (const played_game &each : read.games) {
+        const auto game =
+            std::find_if(found->games.begin(), found->games.end(),
+                         [&](const tried_game &known) { return known.name == each.name; });
+        if (game == found->games.end() || each.place >= game->plays.size())
+            continue;
+        std::vector<set_play> &plays = game->plays[each.place];
+        // What two shards have played counts once.
+        for (size_t i = 0; i < each.plays.size(); ++i)
+            if (each.first + i == plays.size())
+                plays.push_back(each.plays[i]);
+    }
+}
+
+// Why plays are of no use here; empty where they are of this very search.
+std::string check_conditions(const std::map<std::string, std::string> &read,
+                             const std::map<std::string, std::string> &here) {
+    for (const auto &[name, value] : here) {
+        const auto found = read.find(name);
+        if (found == read.end() || found->second != value)
+            return name + " is '" + (found != read.end() ? found->second : "") + "' there and '" +
+                   value + "' here";
+    }
+    return {};
+}
+
+// Reads lines of plays. Empty, or what is wrong.
+std::string read_tried(const std::string &path, const lab_search &search, tried_file *tried) {
     std::error_code error;
     if (!std::filesystem::exists(path, error))
         return {};
@@ -148,32 +174,57 @@ std::string read_tried(const std::string &path, tried_file *tried) {
         const size_t end = text.find('\n', tried->whole_bytes);
         const std::string_view line = text.substr(tried->whole_bytes, end - tried->whole_bytes);
         const bool ended = end != std::string_view::npos;
-        tried_set read;
-        const bool good = tried_set_read(line, &read);
-        if (good)
-            tried->sets.push_back(std::move(read));
-        else if (ended || number == 1 || !line.starts_with("{"))
+        tried_plays read;
+        const bool good = tried_plays_read(line, &read);
+        if (!good && (ended || number == 1 || !line.starts_with("{")))
             return path + ": line " + std::to_string(number) + ": is no set that was tried";
-        tried->last_open = good && !ended;
-        if (!ended)  // cut off while it was written
+        if (!ended)  // cut off while it was written: played again
             break;
+        const std::string other = check_conditions(read.conditions, search.conditions);
+        if (!other.empty())
+            return path + " is of another search: " + other;
+        add_plays(&tried->sets, search, std::move(read));
         tried->whole_bytes = end + 1;
     }
     return {};
 }
 
-// Sets of which no other saves more and loses less, by what they save.
-std::vector<tried_set> find_front(const std::vector<tried_set> &tried) {
-    std::vector<tried_set> good;
-    for (const tried_set &each : tried)
-        if (each.error.empty())
+// The plays of a set beyond those that were known before.
+tried_plays plays_since(const lab_search &search, const tried_set &tried, const tried_set &before) {
+    tried_plays plays;
+    plays.conditions = search.conditions;
+    plays.set = tried.set;
+    plays.error = tried.error;
+    plays.caps_left = tried.caps_left;
+    for (size_t game = 0; game < tried.games.size(); ++game)
+        for (size_t place = 0; place < tried.games[game].plays.size(); ++place) {
+            const std::vector<set_play> &all = tried.games[game].plays[place];
+            const size_t first =
+                game < before.games.size() ? before.games[game].plays[place].size() : 0;
+            if (first < all.size())
+                plays.games.push_back({tried.games[game].name,
+                                       place,
+                                       first,
+                                       {all.begin() + static_cast<long>(first), all.end()}});
+        }
+    return plays;
+}
+
+// ---- what a search says
+
+// Sets of which no other saves more and may lose less, by what they save; of those that were played
+// to the end of the race.
+std::vector<set_verdict> find_front(const std::vector<set_verdict> &verdicts) {
+    std::vector<set_verdict> good;
+    for (const set_verdict &each : verdicts)
+        if (each.tried->error.empty() && each.seeds >= race_rounds[std::size(race_rounds) - 1])
             good.push_back(each);
-    std::stable_sort(good.begin(), good.end(), [](const tried_set &a, const tried_set &b) {
-        return a.energy_saved > b.energy_saved;
+    std::stable_sort(good.begin(), good.end(), [](const set_verdict &a, const set_verdict &b) {
+        return a.saved.mean > b.saved.mean;
     });
-    std::vector<tried_set> front;
+    std::vector<set_verdict> front;
     double least_lost = INFINITY;
-    for (const tried_set &each : good)
+    for (const set_verdict &each : good)
         if (each.worst_lost < least_lost) {
             least_lost = each.worst_lost;
             front.push_back(each);
@@ -181,53 +232,94 @@ std::vector<tried_set> find_front(const std::vector<tried_set> &tried) {
     return front;
 }
 
-void print_set(const tried_set &each) {
-    printf("%6.1f %%  %8.2f  %8.2f  %-16s", each.energy_saved * 100, each.fps_lost, each.worst_lost,
-           shown(each.worst_game).c_str());
-    for (const auto &[name, value] : each.set)
-        printf(" %s=%lld", shown(name).c_str(), static_cast<long long>(value));
-    printf("\n");
+void print_set(const set_verdict &each) {
+    printf("%6.1f %% (%5.1f to %5.1f)  %6.2f  %8.2f  %-16s %5.1f  %5zu  %s\n",
+           each.saved.mean * 100, each.saved.low * 100, each.saved.high * 100, each.lost,
+           each.worst_lost, shown(each.worst_game).c_str(), each.most_changes, each.seeds,
+           shown(set_text(each.tried->set)).c_str());
 }
 
-void print_front(const std::vector<tried_set> &tried, const std::vector<tried_set> &front,
-                 const tried_set *best, double max_loss) {
-    printf("%zu sets tried, energy saved and frames lost as a model's result:\n", tried.size());
-    printf("   saved  lost, mean    at most  of\n");
-    if (!tried.empty() && tried[0].error.empty()) {
-        print_set(tried[0]);
-        printf("that is the first one; the front:\n");
-    }
-    for (const tried_set &each : front)
+void print_verdict(const lab_search &search, const search_result &found) {
+    const held_out &verdict = found.verdict;
+    char text[512];
+    snprintf(
+        text, sizeof(text),
+        "On %zu seeds from %llu on, which nobody searched on, it %s%s%s: in %zu of %zu no game "
+        "loses more than %.2f, at most %s %.2f in a play; saves %.1f %% (%.1f to %.1f), the "
+        "daemon's own figures %.1f %%, %+.1f points (%+.1f to %+.1f).",
+        verdict.seeds, static_cast<unsigned long long>(verdict.first_seed),
+        verdict.holds ? "holds" : "does not hold, ", verdict.broken_by.c_str(),
+        verdict.holds ? "" : " on the mean", verdict.within, verdict.seeds, search.options.max_loss,
+        verdict.worst_game.c_str(), verdict.worst_lost, verdict.saved.mean * 100,
+        verdict.saved.low * 100, verdict.saved.high * 100, verdict.saved_default.mean * 100,
+        verdict.gained.mean * 100, verdict.gained.low * 100, verdict.gained.high * 100);
+    print_folded(shown(text), 0);
+    if (verdict.holds && verdict.gained.low <= 0)
+        print_folded(
+            "It may as well save nothing more than the daemon's own figures: stay with "
+            "those.",
+            0);
+}
+
+void print_search(const lab_search &search, const search_result &found) {
+    printf("%zu sets in %zu plays; energy saved and frames lost are a model's result:\n",
+           found.tried, found.plays);
+    printf("   saved, of the mean    lost   at most  of               moved  seeds\n");
+    print_set(found.first);
+    printf("that are the daemon's own figures; the front:\n");
+    for (const set_verdict &each : found.front)
         print_set(each);
-    if (best == nullptr) {
-        printf("in no set does every game lose at most %.2f frames per second\n", max_loss);
+    print_folded(
+        "At most: the frames per second that a game's mean over all seeds is below in 95 "
+        "of 100 cases; moved: cap changes a minute in the game that has most.",
+        0);
+    if (found.chosen == nullptr) {
+        printf("No set holds:\n");
+        size_t shown_sets = 0;
+        for (const set_verdict &each : found.front)
+            if (shown_sets++ < nearest_shown)
+                print_folded(shown(set_text(each.tried->set) + ": " + each.broken_by), 2);
         return;
     }
-    printf("most saved where no game loses more than %.2f frames per second:\n", max_loss);
-    print_set(*best);
+    printf("most saved where no game loses more than %.2f frames per second:\n%s\n",
+           search.options.max_loss, shown(set_text(found.chosen->set)).c_str());
+    print_verdict(search, found);
+    if (found.best == nullptr)
+        printf("None that held in the search holds there.\n");
 }
 
-int conclude(const std::vector<tried_set> &tried, double max_loss, bool json) {
-    const std::vector<tried_set> front = find_front(tried);
-    const auto found = std::find_if(front.begin(), front.end(), [&](const tried_set &each) {
-        return each.worst_lost <= max_loss;
-    });
-    const tried_set *best = found != front.end() ? &*found : nullptr;
-    if (json)
-        printf("%s\n", search_line(tried.size(), front, best).c_str());
+int conclude(const lab_search &search, const std::vector<tried_set> &tried, size_t plays) {
+    search_result found;
+    found.tried = tried.size();
+    found.plays = plays;
+    std::vector<set_verdict> verdicts;
+    for (const tried_set &each : tried)
+        verdicts.push_back(race_judge(search, each));
+    found.first = verdicts[0];
+    found.front = find_front(verdicts);
+    race_hold_out(search, tried, &found);
+    if (search.options.json)
+        printf("%s\n", search_line(found).c_str());
     else
-        print_front(tried, front, best, max_loss);
-    return best != nullptr ? 0 : exit_found;
+        print_search(search, found);
+    return found.best != nullptr ? 0 : exit_found;
 }
 
-void tell_progress(size_t done, size_t all, int64_t begin_ns) {
-    if (isatty(STDERR_FILENO) == 0 || done == 0)
+void tell_progress(const char *what, size_t done, int64_t begin_ns) {
+    if (isatty(STDERR_FILENO) == 0)
         return;
-    const double took_s = static_cast<double>(monotonic_ns() - begin_ns) / 1e9;
-    fprintf(stderr, "\r%zu of %zu sets, %.0f s left ", done, all,
-            took_s / static_cast<double>(done) * static_cast<double>(all - done));
-    if (done == all)
-        fprintf(stderr, "\n");
+    fprintf(stderr, "\r%zu %s, %.0f s ", done, what,
+            static_cast<double>(monotonic_ns() - begin_ns) / 1e9);
+}
+
+// Reads the figures that are to vary. Empty, or what is wrong.
+std::string read_varied(const lab_search &search, std::vector<varied_figure> *figures) {
+    for (const std::string &text : search.options.vary) {
+        const std::string wrong = varied_figure_read(text, &figures->emplace_back());
+        if (!wrong.empty())
+            return "--vary: " + wrong;
+    }
+    return {};
 }
 
 }  // namespace
@@ -256,13 +348,12 @@ std::string varied_figure_read(const std::string &text, varied_figure *figure) {
     return wrong;
 }
 
-int search_command(const lab_setup &setup, const search_options &options) {
+int search_command(const lab_search &search) {
+    const search_options &options = search.options;
     std::vector<varied_figure> figures;
-    for (const std::string &text : options.vary) {
-        const std::string wrong = varied_figure_read(text, &figures.emplace_back());
-        if (!wrong.empty())
-            return refuse("--vary: " + wrong);
-    }
+    const std::string wrong_figure = read_varied(search, &figures);
+    if (!wrong_figure.empty())
+        return refuse(wrong_figure);
     unsigned shard = 0;
     unsigned shards = 0;
     int end = 0;
@@ -270,66 +361,126 @@ int search_command(const lab_setup &setup, const search_options &options) {
         static_cast<size_t>(end) != options.shard.size() || shard < 1 || shard > shards)
         return refuse("--shard is K/N with K from 1 to N, not '" + options.shard + "'");
     tried_file before;
+    output_file out;
     if (!options.out.empty()) {
-        const std::string wrong = read_tried(options.out, &before);
+        const std::string wrong = read_tried(options.out, search, &before);
         if (!wrong.empty())
             return refuse(wrong);
-        for (const tried_set &each : before.sets) {
-            const std::string other = check_tried(each, setup, figures);
-            if (!other.empty())
-                return refuse(options.out + " is of another search: " + other);
-        }
-    }
-    output_file out;
-    if (!options.out.empty())
         out = output_continue(options.out, before.whole_bytes, options.inputs);
+    }
     if (!out.error.empty())
         return refuse(out.error);
-    std::vector<tried_set> tried = std::move(before.sets);
-    if (before.last_open && !output_append(&out, tried_set_line(tried.back())))
-        return fail("cannot write " + out.error);
-    const std::vector<figure_set> sets =
-        draw_sets(figures, setup.figures, options.samples, setup.seed);
-    std::vector<setting_list> mine;
-    for (size_t i = shard - 1; i < sets.size(); i += shards)
-        mine.push_back(name_set(figures, sets[i]));
-    const int64_t begin_ns = monotonic_ns();
-    size_t done = 0;
-    for (const setting_list &set : mine) {
-        tell_progress(done++, mine.size(), begin_ns);
-        if (std::any_of(tried.begin(), tried.end(),
-                        [&](const tried_set &each) { return each.set == set; }))
+    const std::vector<figure_set> sets = draw_sets(figures, search.setup.figures, options);
+    // The daemon's own figures first, in each shard.
+    std::vector<tried_set> mine;
+    for (size_t i = 0; i < sets.size(); ++i) {
+        if (i != 0 && i % shards != shard % shards)
             continue;
-        tried.push_back(try_set(setup, set));
-        if (out.fd >= 0 && !output_append(&out, tried_set_line(tried.back())))
-            return fail("cannot write " + out.error);
+        const setting_list set = name_set(figures, sets[i]);
+        const auto known = std::find_if(before.sets.begin(), before.sets.end(),
+                                        [&](const tried_set &each) { return each.set == set; });
+        mine.push_back(known != before.sets.end() ? *known : tried_set{set, "", {}, false});
+    }
+    std::vector<tried_set> written = mine;
+    const int64_t begin_ns = monotonic_ns();
+    size_t plays = 0;
+    std::string unwritten;
+    race_run(search, &mine, &plays, [&](const tried_set &tried, size_t) {
+        tried_set *last = &written[static_cast<size_t>(&tried - mine.data())];
+        const std::string line = tried_plays_line(plays_since(search, tried, *last));
+        *last = tried;
+        tell_progress("plays", plays, begin_ns);
+        if (out.fd >= 0 && !output_append(&out, line))
+            unwritten = out.error;
         if (options.json) {
-            printf("%s\n", tried_set_line(tried.back()).c_str());
+            printf("%s\n", line.c_str());
             fflush(stdout);
         }
-    }
-    const std::string unwritten = output_finish(&out);
+        return unwritten.empty();
+    });
+    if (unwritten.empty())
+        unwritten = output_finish(&out);
     if (!unwritten.empty())
         return fail("cannot write " + unwritten);
-    tell_progress(done, mine.size(), begin_ns);
-    return conclude(tried, options.max_loss, options.json);
+    if (shards > 1) {
+        print_folded("Shard " + options.shard + ": " + std::to_string(mine.size()) + " sets in " +
+                         std::to_string(plays) +
+                         " plays; dvxctl lab merge takes all shards and "
+                         "chooses.",
+                     0);
+        return 0;
+    }
+    return conclude(search, mine, plays);
 }
 
-int merge_command(const std::vector<std::string> &paths, double max_loss, bool json) {
+int merge_command(const lab_search &search, const std::vector<std::string> &paths) {
     tried_file all;
     for (const std::string &path : paths) {
         if (access(path.c_str(), R_OK) != 0)
             return refuse("cannot read " + path);
         all.whole_bytes = 0;
-        const std::string wrong = read_tried(path, &all);
+        const std::string wrong = read_tried(path, search, &all);
         if (!wrong.empty())
             return refuse(wrong);
     }
-    std::vector<tried_set> tried = std::move(all.sets);
-    if (tried.empty())
+    if (all.sets.empty())
         return refuse(paths[0] + (paths.size() > 1 ? " and the others hold" : " holds") +
                       " no set that was tried");
-    std::set<setting_list> sets;  // what two shards have tried counts once
-    std::erase_if(tried, [&](const tried_set &each) { return !sets.insert(each.set).second; });
-    return conclude(tried, max_loss, json);
+    // Those that still may win are played on, as if one process had raced them all.
+    size_t plays = 0;
+    race_run(search, &all.sets, &plays, [](const tried_set &, size_t) { return true; });
+    return conclude(search, all.sets, plays);
+}
+
+int vary_command(const lab_search &search) {
+    std::vector<varied_figure> figures;
+    const std::string wrong = read_varied(search, &figures);
+    if (!wrong.empty())
+        return refuse(wrong);
+    const size_t seeds = static_cast<size_t>(search.setup.seeds);
+    size_t plays = 0;
+    lab_search all = search;
+    all.options.max_loss = INFINITY;  // all games are played
+    tried_set own;
+    race_try(all, seeds, &own, &plays, play_all);
+    if (!own.error.empty())
+        return refuse(own.error);
+    const int64_t begin_ns = monotonic_ns();
+    std::vector<set_change> changes = {compare_sets(own, own)};
+    for (const varied_figure &figure : figures) {
+        const uint64_t values = count_values(figure);
+        const uint64_t every = (values + values_max - 1) / values_max;
+        for (uint64_t i = 0; i < values; i += every) {
+            tried_set moved;
+            moved.set = {{figure.name, value_at(figure, i)}};
+            if (moved.set[0].second == own_set({figure}, search.setup.figures)[0])
+                continue;
+            race_try(all, seeds, &moved, &plays, play_all);
+            tell_progress("plays", plays, begin_ns);
+            changes.push_back(compare_sets(moved, own));
+        }
+    }
+    if (search.options.json) {
+        for (const set_change &each : changes)
+            printf("%s\n", set_change_line(each).c_str());
+        return 0;
+    }
+    printf("   saved   change (from to)       lost  change (from to)       moved  figure\n");
+    for (const set_change &each : changes) {
+        const std::string name = each.set.empty() ? "the daemon's own figures" : set_text(each.set);
+        if (!each.error.empty()) {
+            printf("  %s: %s\n", name.c_str(), shown(each.error).c_str());
+            continue;
+        }
+        printf("%6.1f %%  %+5.1f (%+5.1f %+5.1f)   %6.2f  %+5.2f (%+5.2f %+5.2f)   %5.1f  %s\n",
+               each.saved * 100, each.saved_change.mean * 100, each.saved_change.low * 100,
+               each.saved_change.high * 100, each.lost, each.lost_change.mean, each.lost_change.low,
+               each.lost_change.high, each.changes, name.c_str());
+    }
+    print_folded(
+        "Means of all games, each figure moved alone; changes are of pairs of plays with "
+        "the same work over " +
+            std::to_string(seeds) + " seeds, from and to in 95 of 100 cases.",
+        0);
+    return 0;
 }

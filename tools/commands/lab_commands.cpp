@@ -94,6 +94,14 @@ std::string make_places(const arguments &given, std::vector<search_place> *place
         const device_model device = device_model_read(name);
         if (!device.error.empty())
             return name + ": " + device.error;
+        simulated_figures figures;
+        std::string wrong = device_model_levels(device, &figures);
+        if (wrong.empty())
+            wrong = settings_apply_all(&figures, given.settings);
+        if (wrong.empty())
+            wrong = device_model_check(device, figures);
+        if (!wrong.empty())
+            return wrong;
         std::vector<double> panels = given.panels;
         if (panels.empty())
             panels = {device.panel_hz};
@@ -106,7 +114,8 @@ std::string make_places(const arguments &given, std::vector<search_place> *place
                     places->push_back({short_number(panel_hz) + " Hz, " + picks + ", " +
                                            std::to_string(count) + " buffers, " + device.name,
                                        {device, panel_hz, governor_of(picks), count,
-                                        given.base_mw.value_or(device.base_mw)}});
+                                        given.base_mw.value_or(device.base_mw)},
+                                       figures});
     }
     return {};
 }
@@ -191,11 +200,7 @@ std::string prepare(arguments *given) {
     for (game_work &game : setup->games)
         game.limit_fps = given->limit_fps.value_or(game.limit_fps);
     setup->on = given->search.places[0].on;
-    wrong = device_model_levels(setup->on.device, &setup->figures);
-    if (wrong.empty())
-        wrong = settings_apply_all(&setup->figures, given->settings);
-    if (wrong.empty())
-        wrong = device_model_check(setup->on.device, setup->figures);
+    setup->figures = given->search.places[0].figures;
     if (wrong.empty() && !given->vary_from.empty())
         wrong = variation_read(given->vary_from, &setup->varies);
     std::error_code error;
@@ -222,6 +227,7 @@ result check_results(const std::vector<game_result> &results) {
 result run_place(const arguments &given, const search_place &place, bool *caps_left) {
     lab_setup setup = given.search.setup;
     setup.on = place.on;
+    setup.figures = place.figures;
     const auto free = lab_run_free(setup);
     const std::vector<game_result> results = lab_run(setup, free);
     result came_out = check_results(results);
@@ -386,6 +392,7 @@ void add_lab_commands(CLI::App *app, command_context *context) {
     for (CLI::App *each : {search, merge}) {
         each->add_option("--max-loss", options->max_loss,
                          "The most frames per second that any game may lose")
+            ->check(CLI::Range(0.0, 240.0))
             ->capture_default_str();
         each->add_option("--max-changes", options->max_changes,
                          "How often caps may move in a minute of any game; 0: as often as they do")

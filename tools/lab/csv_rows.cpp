@@ -28,13 +28,14 @@ void take_row(int ended_by, void *context) {
     read->row.clear();
 }
 
-// Semicolons, where the first line that is a table's has some and no comma.
+// Semicolons, where the first line that is a table's has more of them than commas.
 unsigned char delimiter_of(std::string_view text) {
     while (text.starts_with("#"))
         text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
     const std::string_view line = text.substr(0, text.find('\n'));
-    const bool semicolons = line.find(';') != std::string_view::npos;
-    return semicolons && line.find(',') == std::string_view::npos ? ';' : ',';
+    return std::count(line.begin(), line.end(), ';') > std::count(line.begin(), line.end(), ',')
+               ? ';'
+               : ',';
 }
 
 }  // namespace

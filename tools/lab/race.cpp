@@ -64,6 +64,7 @@ bool play_games(const lab_search &search, const search_place &place, size_t plac
                 const std::vector<size_t> &games, size_t from, size_t seeds, tried_set *tried) {
     lab_setup setup = search.setup;
     setup.on = place.on;
+    setup.figures = place.figures;
     setup.seed += from;
     setup.seeds = static_cast<int>(seeds - from);
     setup.games.clear();

@@ -15,6 +15,10 @@ namespace {
 constexpr int name_width = 17;
 constexpr int column_width = 7;
 
+// Ways of ending that differ by no more than this are one, for people.
+constexpr double way_lost = 0.1;  // frames per second
+constexpr double way_saved = 0.01;
+
 // A row's figures: what a game came to, and what other figures of the analyser made of it.
 struct table_row {
     std::string name;
@@ -149,16 +153,27 @@ std::string name_of(const game_summary &summary) {
     return summary.told ? summary.game : summary.game + " ?";
 }
 
+// Whether it makes a difference in which way a play ends.
+bool ways_differ(const std::vector<play_outcome> &outcomes) {
+    return std::any_of(outcomes.begin(), outcomes.end(), [&](const play_outcome &each) {
+        return std::fabs(each.fps_lost - outcomes[0].fps_lost) > way_lost ||
+               std::fabs(each.energy_saved - outcomes[0].energy_saved) > way_saved;
+    });
+}
+
 void print_outcomes(const game_summary &summary) {
-    if (summary.outcomes.size() < 2)
+    if (!ways_differ(summary.outcomes))
         return;
     std::string ways =
         summary.game + " ends in " + std::to_string(summary.outcomes.size()) + " ways:";
     for (const play_outcome &each : summary.outcomes) {
         char way[96];
-        snprintf(way, sizeof(way), " in %zu of %zu plays held to %d fps, %.2f lost, %.1f %% saved;",
-                 each.plays, summary.seeds, each.learned_fps, each.fps_lost,
-                 each.energy_saved * 100);
+        snprintf(way, sizeof(way), " in %zu of %zu plays %s, %.2f lost, %.1f %% saved;", each.plays,
+                 summary.seeds,
+                 each.learned_fps > 0
+                     ? ("held to " + std::to_string(each.learned_fps) + " fps").c_str()
+                     : "never held",
+                 each.fps_lost, each.energy_saved * 100);
         ways += way;
     }
     ways.back() = '.';

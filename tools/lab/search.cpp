@@ -159,8 +159,10 @@ std::string check_conditions(const std::map<std::string, std::string> &read,
     return {};
 }
 
-// Reads lines of plays. Empty, or what is wrong.
-std::string read_tried(const std::string &path, const lab_search &search, tried_file *tried) {
+// Reads lines of plays. Where the file is to be gone on with, a last line without an end is played
+// again. Empty, or what is wrong.
+std::string read_tried(const std::string &path, const lab_search &search, bool goes_on,
+                       tried_file *tried) {
     std::error_code error;
     if (!std::filesystem::exists(path, error))
         return {};
@@ -178,12 +180,14 @@ std::string read_tried(const std::string &path, const lab_search &search, tried_
         const bool good = tried_plays_read(line, &read);
         if (!good && (ended || number == 1 || !line.starts_with("{")))
             return path + ": line " + std::to_string(number) + ": is no set that was tried";
-        if (!ended)  // cut off while it was written: played again
+        if (!ended && (goes_on || !good))  // cut off while it was written
             break;
         const std::string other = check_conditions(read.conditions, search.conditions);
         if (!other.empty())
             return path + " is of another search: " + other;
         add_plays(&tried->sets, search, std::move(read));
+        if (!ended)
+            break;
         tried->whole_bytes = end + 1;
     }
     return {};
@@ -363,7 +367,7 @@ int search_command(const lab_search &search) {
     tried_file before;
     output_file out;
     if (!options.out.empty()) {
-        const std::string wrong = read_tried(options.out, search, &before);
+        const std::string wrong = read_tried(options.out, search, true, &before);
         if (!wrong.empty())
             return refuse(wrong);
         out = output_continue(options.out, before.whole_bytes, options.inputs);
@@ -419,7 +423,7 @@ int merge_command(const lab_search &search, const std::vector<std::string> &path
         if (access(path.c_str(), R_OK) != 0)
             return refuse("cannot read " + path);
         all.whole_bytes = 0;
-        const std::string wrong = read_tried(path, search, &all);
+        const std::string wrong = read_tried(path, search, false, &all);
         if (!wrong.empty())
             return refuse(wrong);
     }

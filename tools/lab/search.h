@@ -44,6 +44,7 @@ struct tried_set {
 struct search_place {
     std::string name;  // "59.92 Hz, fit, 3 buffers, default"
     environment on;
+    simulated_figures figures;  // with the device's levels of caps
 };
 
 struct search_options {

@@ -134,7 +134,7 @@ TEST_F(RecordedTool, LabClosesTheLoop) {
     EXPECT_EQ(dvxctl("replay --compare " + device.root + "/bike.rec").status, 0);
     const json fast = json::parse(dvxctl(words + " --panel 60.02").output);
     EXPECT_LT(fast["energy_saved"], 0.1);
-    EXPECT_NE(dvxctl("why " + device.root + "/bike.rec").output.find("the panel runs faster"),
+    EXPECT_NE(dvxctl("why " + device.root + "/bike.rec").output.find("the panel runs within"),
               std::string::npos);
 
     // Two shards try what one search does, and the first set is the daemon's own.

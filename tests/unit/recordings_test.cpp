@@ -156,8 +156,8 @@ TEST(Why, ExplainsWhatALogTells) {
               "caps up one step, if one can move: 6 of the last 30 intervals left the profile, 5 "
               "are allowed\n"
               "measuring again: the mean interval, 16.61 ms, is shorter than the fastest of the "
-              "profile (16.66 ms): the panel runs faster than 60 frames per second, and caps stay "
-              "released\n"
+              "profile (16.66 ms): the panel runs within about 20 us of 60 frames per second, once "
+              "rounded, or faster, and caps stay released\n"
               "30 frames per second asked: low power mode wants 30\n");
 }
 

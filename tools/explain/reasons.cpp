@@ -37,8 +37,8 @@ constexpr reason_row rows[] = {
      "[kept as scene {scene}; ]from now on caps go down as far as the profile holds"},
     {reason::panel_too_fast, decision_kind::measuring, "panel_too_fast",
      "measuring again: the mean interval, {mean_ms:%.2f} ms, is shorter than the fastest of the "
-     "profile ({shortest_ms:%.2f} ms): the panel runs faster than 60 frames per second, and caps "
-     "stay released",
+     "profile ({shortest_ms:%.2f} ms): the panel runs within about 20 us of 60 frames per second, "
+     "once rounded, or faster, and caps stay released",
      CAPS_RELEASED},
     {reason::scene_faster, decision_kind::measuring, "scene_faster",
      "measuring again: the mean interval, {mean_ms:%.2f} ms, is shorter than the profile has them "

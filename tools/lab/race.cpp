@@ -159,10 +159,6 @@ void judge_held_out(const lab_search &search, const tried_set &tried, held_out *
             for (size_t i = 0; i < plays.size(); ++i) {
                 if (!is_judged(search, game))
                     continue;
-                if (verdict->worst_game.empty() || plays[i].lost > verdict->worst_lost) {
-                    verdict->worst_lost = plays[i].lost;
-                    verdict->worst_game = tried.games[game].name;
-                }
                 if (plays[i].lost > search.options.max_loss)
                     within[i] = false;
             }
@@ -215,6 +211,11 @@ set_verdict race_judge(const lab_search &search, const tried_set &tried) {
                 continue;
             const std::vector<double> lost = each_of(plays, &set_play::lost);
             const double bound = upper_bound_of(lost);
+            const double most = *std::max_element(lost.begin(), lost.end());
+            if (most > verdict.worst_play) {
+                verdict.worst_play = most;
+                verdict.worst_play_game = tried.games[game].name;
+            }
             verdict.worst_mean = std::max(verdict.worst_mean, estimate_of(lost).mean);
             if (bound > verdict.worst_lost) {
                 verdict.worst_lost = bound;
@@ -231,6 +232,9 @@ set_verdict race_judge(const lab_search &search, const tried_set &tried) {
     if (verdict.worst_lost > search.options.max_loss)
         verdict.broken_by = verdict.worst_game + " may lose " + short_figure(verdict.worst_lost) +
                             (search.places.size() > 1 ? " at " + verdict.worst_place : "");
+    else if (verdict.worst_play > search.options.max_loss)
+        verdict.broken_by =
+            verdict.worst_play_game + " lost " + short_figure(verdict.worst_play) + " in a play";
     else if (search.options.max_changes > 0 && verdict.most_changes > search.options.max_changes)
         verdict.broken_by = "caps move " + short_figure(verdict.most_changes) + " times a minute";
     else if (tried.caps_left)
@@ -321,6 +325,8 @@ void race_hold_out(const lab_search &search, const std::vector<tried_set> &sets,
         judge_held_out(fresh, chosen, &result->verdict);
         result->verdict.holds = verdict.holds;
         result->verdict.broken_by = verdict.broken_by;
+        result->verdict.worst_game = verdict.worst_play_game;
+        result->verdict.worst_lost = verdict.worst_play;
         if (verdict.holds)
             result->best = holding[i].tried;
     }

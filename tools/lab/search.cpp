@@ -246,17 +246,16 @@ void print_set(const set_verdict &each) {
 void print_verdict(const lab_search &search, const search_result &found) {
     const held_out &verdict = found.verdict;
     char text[512];
-    snprintf(
-        text, sizeof(text),
-        "On %zu seeds from %llu on, which nobody searched on, it %s%s%s: in %zu of %zu no game "
-        "loses more than %.2f, at most %s %.2f in a play; saves %.1f %% (%.1f to %.1f), the "
-        "daemon's own figures %.1f %%, %+.1f points (%+.1f to %+.1f).",
-        verdict.seeds, static_cast<unsigned long long>(verdict.first_seed),
-        verdict.holds ? "holds" : "does not hold, ", verdict.broken_by.c_str(),
-        verdict.holds ? "" : " on the mean", verdict.within, verdict.seeds, search.options.max_loss,
-        verdict.worst_game.c_str(), verdict.worst_lost, verdict.saved.mean * 100,
-        verdict.saved.low * 100, verdict.saved.high * 100, verdict.saved_default.mean * 100,
-        verdict.gained.mean * 100, verdict.gained.low * 100, verdict.gained.high * 100);
+    snprintf(text, sizeof(text),
+             "On %zu seeds from %llu on, which nobody searched on, it %s%s: in %zu of %zu no game "
+             "loses more than %.2f, at most %s %.2f in a play; saves %.1f %% (%.1f to %.1f), the "
+             "daemon's own figures %.1f %%, %+.1f points (%+.1f to %+.1f).",
+             verdict.seeds, static_cast<unsigned long long>(verdict.first_seed),
+             verdict.holds ? "holds" : "does not hold, ", verdict.broken_by.c_str(), verdict.within,
+             verdict.seeds, search.options.max_loss, verdict.worst_game.c_str(), verdict.worst_lost,
+             verdict.saved.mean * 100, verdict.saved.low * 100, verdict.saved.high * 100,
+             verdict.saved_default.mean * 100, verdict.gained.mean * 100, verdict.gained.low * 100,
+             verdict.gained.high * 100);
     print_folded(shown(text), 0);
     if (verdict.holds && verdict.gained.low <= 0)
         print_folded(

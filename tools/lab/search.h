@@ -72,11 +72,13 @@ struct lab_search {
 struct set_verdict {
     const tried_set *tried = nullptr;
     size_t seeds = 0;        // that every game was played with
-    bool holds = false;      // each game's bound, and the one on cap changes
+    bool holds = false;      // each game's bound and each play, and the bound on cap changes
     estimate saved;          // mean of games and places, a seed
     double lost = 0;         // mean likewise
     double worst_lost = 0;   // the highest one-sided bound of a game in a place
     double worst_mean = 0;   // the highest mean of one
+    double worst_play = -1;  // the highest of a single play
+    std::string worst_play_game;
     std::string worst_game;  // that of the highest bound
     std::string worst_place;
     double most_changes = 0;  // of a game's mean, a minute

@@ -12,7 +12,7 @@
 #include "tools/explain/why.h"
 #include "tools/frames/frame_figures.h"
 #include "tools/frames/frame_file.h"
-#include "tools/lab/device_model.h"
+#include "tools/lab/device_file.h"
 #include "tools/lab/games.h"
 #include "tools/lab/lab_json.h"
 #include "tools/recording/log_lines.h"

@@ -50,13 +50,6 @@ struct device_model {
 // The device that is meant where none is named: the daemon's own levels and clocks between them.
 device_model device_model_default();
 
-// Reads a device: one of those that ship, by name, or a file.
-device_model device_model_read(const std::string &name_or_path);
-device_model device_model_read_text(std::string_view text);
-
-// The names of those that ship.
-std::vector<std::string> device_model_names();
-
 // The daemon's figures on a device: its levels of caps, where it has some. Empty, or what is wrong.
 std::string device_model_levels(const device_model &device, simulated_figures *figures);
 

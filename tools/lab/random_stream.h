@@ -23,6 +23,7 @@ constexpr uint64_t random_mixed(uint64_t x) {
     return x ^ (x >> 31);
 }
 
+// The stream of a seed and a game for one purpose.
 constexpr random_stream stream_of(uint64_t seed, std::string_view name, stream_purpose purpose) {
     uint64_t key = random_mixed(seed + golden_ratio_64);
     for (const char c : name)

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 #include <iterator>
 #include <numeric>
 #include <set>
@@ -13,18 +12,16 @@
 #include "tools/base/clock.h"
 #include "tools/base/exit_status.h"
 #include "tools/base/output_file.h"
-#include "tools/base/shown.h"
 #include "tools/base/terminal.h"
-#include "tools/base/whole_file.h"
 #include "tools/lab/lab_json.h"
 #include "tools/lab/race.h"
-#include "tools/lab/summary.h"
+#include "tools/lab/search_file.h"
+#include "tools/lab/search_table.h"
 
 namespace {
 
 constexpr uint64_t grid_max = 1000000;
 constexpr size_t values_max = 7;  // of a figure that is moved alone
-constexpr size_t nearest_shown = 3;
 
 using figure_set = std::vector<int64_t>;  // a value a figure that is varied
 
@@ -106,116 +103,6 @@ setting_list name_set(const std::vector<varied_figure> &figures, const figure_se
     return set;
 }
 
-std::string set_text(const setting_list &set) {
-    std::string text;
-    for (const auto &[name, value] : set)
-        text.append(text.empty() ? "" : " ").append(name).append("=") += std::to_string(value);
-    return text;
-}
-
-// ---- a search's file
-
-// What a file holds of a search.
-struct tried_file {
-    std::vector<tried_set> sets;
-    size_t whole_bytes = 0;  // of the lines that are ended
-};
-
-// Adds plays of a set to those that are known of it.
-void add_plays(std::vector<tried_set> *sets, const lab_search &search, tried_plays &&read) {
-    auto found = std::find_if(sets->begin(), sets->end(),
-                              [&](const tried_set &each) { return each.set == read.set; });
-    if (found == sets->end()) {
-        found = sets->insert(sets->end(), tried_set{read.set, "", {}, false});
-        for (const game_work &game : search.setup.games)
-            found->games.push_back(
-                {game.name, std::vector<std::vector<set_play>>(search.places.size())});
-    }
-    found->error = read.error;
-    found->caps_left |= read.caps_left;
-    for (const played_game &each : read.games) {
-        const auto game =
-            std::find_if(found->games.begin(), found->games.end(),
-                         [&](const tried_game &known) { return known.name == each.name; });
-        if (game == found->games.end() || each.place >= game->plays.size())
-            continue;
-        std::vector<set_play> &plays = game->plays[each.place];
-        // What two shards have played counts once.
-        for (size_t i = 0; i < each.plays.size(); ++i)
-            if (each.first + i == plays.size())
-                plays.push_back(each.plays[i]);
-    }
-}
-
-// Why plays are of no use here; empty where they are of this very search.
-std::string check_conditions(const std::map<std::string, std::string> &read,
-                             const std::map<std::string, std::string> &here) {
-    for (const auto &[name, value] : here) {
-        const auto found = read.find(name);
-        if (found == read.end() || found->second != value)
-            return name + " is '" + (found != read.end() ? found->second : "") + "' there and '" +
-                   value + "' here";
-    }
-    return {};
-}
-
-// Reads lines of plays. Where the file is to be gone on with, a last line without an end is played
-// again. Empty, or what is wrong.
-std::string read_tried(const std::string &path, const lab_search &search, bool goes_on,
-                       tried_file *tried) {
-    std::error_code error;
-    if (!std::filesystem::exists(path, error))
-        return {};
-    if (!std::filesystem::is_regular_file(path, error))
-        return path + " is no file";
-    const whole_file content = whole_file_open(path);
-    if (!content.error.empty())
-        return path + ": " + content.error;
-    const std::string_view text = content.text;
-    for (int number = 1; tried->whole_bytes < text.size(); ++number) {
-        const size_t end = text.find('\n', tried->whole_bytes);
-        const std::string_view line = text.substr(tried->whole_bytes, end - tried->whole_bytes);
-        const bool ended = end != std::string_view::npos;
-        tried_plays read;
-        const bool good = tried_plays_read(line, &read);
-        if (!good && (ended || number == 1 || !line.starts_with("{")))
-            return path + ": line " + std::to_string(number) + ": is no set that was tried";
-        if (!ended && (goes_on || !good))  // cut off while it was written
-            break;
-        const std::string other = check_conditions(read.conditions, search.conditions);
-        if (!other.empty())
-            return path + " is of another search: " + other;
-        add_plays(&tried->sets, search, std::move(read));
-        if (!ended)
-            break;
-        tried->whole_bytes = end + 1;
-    }
-    return {};
-}
-
-// The plays of a set beyond those that were known before.
-tried_plays plays_since(const lab_search &search, const tried_set &tried, const tried_set &before) {
-    tried_plays plays;
-    plays.conditions = search.conditions;
-    plays.set = tried.set;
-    plays.error = tried.error;
-    plays.caps_left = tried.caps_left;
-    for (size_t game = 0; game < tried.games.size(); ++game)
-        for (size_t place = 0; place < tried.games[game].plays.size(); ++place) {
-            const std::vector<set_play> &all = tried.games[game].plays[place];
-            const size_t first =
-                game < before.games.size() ? before.games[game].plays[place].size() : 0;
-            if (first < all.size())
-                plays.games.push_back({tried.games[game].name,
-                                       place,
-                                       first,
-                                       {all.begin() + static_cast<long>(first), all.end()}});
-        }
-    return plays;
-}
-
-// ---- what a search says
-
 // Sets of which no other saves more and may lose less, by what they save; of those that were played
 // to the end of the race.
 std::vector<set_verdict> find_front(const std::vector<set_verdict> &verdicts) {
@@ -234,61 +121,6 @@ std::vector<set_verdict> find_front(const std::vector<set_verdict> &verdicts) {
             front.push_back(each);
         }
     return front;
-}
-
-void print_set(const set_verdict &each) {
-    printf("%6.1f %% (%5.1f to %5.1f)  %6.2f  %8.2f  %-16s %5.1f  %5zu  %s\n",
-           each.saved.mean * 100, each.saved.low * 100, each.saved.high * 100, each.lost,
-           each.worst_lost, shown(each.worst_game).c_str(), each.most_changes, each.seeds,
-           shown(set_text(each.tried->set)).c_str());
-}
-
-void print_verdict(const lab_search &search, const search_result &found) {
-    const held_out &verdict = found.verdict;
-    char text[512];
-    snprintf(text, sizeof(text),
-             "On %zu seeds from %llu on, which nobody searched on, it %s%s: in %zu of %zu no game "
-             "loses more than %.2f, at most %s %.2f in a play; saves %.1f %% (%.1f to %.1f), the "
-             "daemon's own figures %.1f %%, %+.1f points (%+.1f to %+.1f).",
-             verdict.seeds, static_cast<unsigned long long>(verdict.first_seed),
-             verdict.holds ? "holds" : "does not hold, ", verdict.broken_by.c_str(), verdict.within,
-             verdict.seeds, search.options.max_loss, verdict.worst_game.c_str(), verdict.worst_lost,
-             verdict.saved.mean * 100, verdict.saved.low * 100, verdict.saved.high * 100,
-             verdict.saved_default.mean * 100, verdict.gained.mean * 100, verdict.gained.low * 100,
-             verdict.gained.high * 100);
-    print_folded(shown(text), 0);
-    if (verdict.holds && verdict.gained.low <= 0)
-        print_folded(
-            "It may as well save nothing more than the daemon's own figures: stay with "
-            "those.",
-            0);
-}
-
-void print_search(const lab_search &search, const search_result &found) {
-    printf("%zu sets in %zu plays; energy saved and frames lost are a model's result:\n",
-           found.tried, found.plays);
-    printf("   saved, of the mean    lost   at most  of               moved  seeds\n");
-    print_set(found.first);
-    printf("that are the daemon's own figures; the front:\n");
-    for (const set_verdict &each : found.front)
-        print_set(each);
-    print_folded(
-        "At most: the frames per second that a game's mean over all seeds is below in 95 "
-        "of 100 cases; moved: cap changes a minute in the game that has most.",
-        0);
-    if (found.chosen == nullptr) {
-        printf("No set holds:\n");
-        size_t shown_sets = 0;
-        for (const set_verdict &each : found.front)
-            if (shown_sets++ < nearest_shown)
-                print_folded(shown(set_text(each.tried->set) + ": " + each.broken_by), 2);
-        return;
-    }
-    printf("most saved where no game loses more than %.2f frames per second:\n%s\n",
-           search.options.max_loss, shown(set_text(found.chosen->set)).c_str());
-    print_verdict(search, found);
-    if (found.best == nullptr)
-        printf("None that held in the search holds there.\n");
 }
 
 int conclude(const lab_search &search, const std::vector<tried_set> &tried, size_t plays) {
@@ -325,6 +157,30 @@ std::string read_varied(const lab_search &search, std::vector<varied_figure> *fi
     return {};
 }
 
+bool read_shard(const std::string &text, unsigned *shard, unsigned *shards) {
+    int end = 0;
+    return sscanf(text.c_str(), "%u/%u%n", shard, shards, &end) == 2 &&
+           static_cast<size_t>(end) == text.size() && *shard >= 1 && *shard <= *shards;
+}
+
+// The sets that a shard races, with what is known of them: the daemon's own figures first, in each
+// shard.
+std::vector<tried_set> sets_of_shard(const lab_search &search,
+                                     const std::vector<varied_figure> &figures,
+                                     const tried_file &before, unsigned shard, unsigned shards) {
+    const std::vector<figure_set> sets = draw_sets(figures, search.setup.figures, search.options);
+    std::vector<tried_set> mine;
+    for (size_t i = 0; i < sets.size(); ++i) {
+        if (i != 0 && i % shards != shard % shards)
+            continue;
+        const setting_list set = name_set(figures, sets[i]);
+        const auto known = std::find_if(before.sets.begin(), before.sets.end(),
+                                        [&](const tried_set &each) { return each.set == set; });
+        mine.push_back(known != before.sets.end() ? *known : tried_set{set, "", {}, false});
+    }
+    return mine;
+}
+
 }  // namespace
 
 std::string varied_figure_read(const std::string &text, varied_figure *figure) {
@@ -357,33 +213,20 @@ int search_command(const lab_search &search) {
     const std::string wrong_figure = read_varied(search, &figures);
     if (!wrong_figure.empty())
         return refuse(wrong_figure);
-    unsigned shard = 0;
-    unsigned shards = 0;
-    int end = 0;
-    if (sscanf(options.shard.c_str(), "%u/%u%n", &shard, &shards, &end) != 2 ||
-        static_cast<size_t>(end) != options.shard.size() || shard < 1 || shard > shards)
+    unsigned shard, shards;
+    if (!read_shard(options.shard, &shard, &shards))
         return refuse("--shard is K/N with K from 1 to N, not '" + options.shard + "'");
     tried_file before;
     output_file out;
     if (!options.out.empty()) {
-        const std::string wrong = read_tried(options.out, search, true, &before);
+        const std::string wrong = search_file_read(options.out, search, true, &before);
         if (!wrong.empty())
             return refuse(wrong);
         out = output_continue(options.out, before.whole_bytes, options.inputs);
     }
     if (!out.error.empty())
         return refuse(out.error);
-    const std::vector<figure_set> sets = draw_sets(figures, search.setup.figures, options);
-    // The daemon's own figures first, in each shard.
-    std::vector<tried_set> mine;
-    for (size_t i = 0; i < sets.size(); ++i) {
-        if (i != 0 && i % shards != shard % shards)
-            continue;
-        const setting_list set = name_set(figures, sets[i]);
-        const auto known = std::find_if(before.sets.begin(), before.sets.end(),
-                                        [&](const tried_set &each) { return each.set == set; });
-        mine.push_back(known != before.sets.end() ? *known : tried_set{set, "", {}, false});
-    }
+    std::vector<tried_set> mine = sets_of_shard(search, figures, before, shard, shards);
     std::vector<tried_set> written = mine;
     const int64_t begin_ns = monotonic_ns();
     size_t plays = 0;
@@ -422,7 +265,7 @@ int merge_command(const lab_search &search, const std::vector<std::string> &path
         if (access(path.c_str(), R_OK) != 0)
             return refuse("cannot read " + path);
         all.whole_bytes = 0;
-        const std::string wrong = read_tried(path, search, false, &all);
+        const std::string wrong = search_file_read(path, search, false, &all);
         if (!wrong.empty())
             return refuse(wrong);
     }
@@ -468,22 +311,6 @@ int vary_command(const lab_search &search) {
             printf("%s\n", set_change_line(each).c_str());
         return 0;
     }
-    printf("   saved   change (from to)       lost  change (from to)       moved  figure\n");
-    for (const set_change &each : changes) {
-        const std::string name = each.set.empty() ? "the daemon's own figures" : set_text(each.set);
-        if (!each.error.empty()) {
-            printf("  %s: %s\n", name.c_str(), shown(each.error).c_str());
-            continue;
-        }
-        printf("%6.1f %%  %+5.1f (%+5.1f %+5.1f)   %6.2f  %+5.2f (%+5.2f %+5.2f)   %5.1f  %s\n",
-               each.saved * 100, each.saved_change.mean * 100, each.saved_change.low * 100,
-               each.saved_change.high * 100, each.lost, each.lost_change.mean, each.lost_change.low,
-               each.lost_change.high, each.changes, name.c_str());
-    }
-    print_folded(
-        "Means of all games, each figure moved alone; changes are of pairs of plays with "
-        "the same work over " +
-            std::to_string(seeds) + " seeds, from and to in 95 of 100 cases.",
-        0);
+    print_changes(changes, search.setup.seeds);
     return 0;
 }

@@ -196,7 +196,9 @@ bool read_device_tree(std::string_view text, device_model *device) {
         }
     }
     std::vector<power_domain> parts;
-    for (auto &[label, part] : tables) {
+    for (auto &table : tables) {
+        const std::string &label = table.first;
+        power_domain &part = table.second;
         const auto user = std::find_if(nodes.begin(), nodes.end(), [&](const tree_node &node) {
             const auto uses = node.properties.find("operating-points-v2");
             return uses != node.properties.end() && first_cell(uses->second) == "&" + label &&

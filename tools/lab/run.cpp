@@ -345,10 +345,11 @@ std::vector<std::vector<run_result>> lab_run_free(const lab_setup &setup) {
         });
     std::vector<std::vector<run_result>> runs;
     for (const child_result &child : run_in_children(works, setup.jobs)) {
-        std::vector<run_result> &of_game = runs.emplace_back(setup.seeds);
+        std::vector<run_result> of_game(static_cast<size_t>(setup.seeds));
         for (size_t i = 0; i < of_game.size(); ++i)
             child_unpack(child.output.substr(std::min(i * sizeof(run_result), child.output.size())),
                          &of_game[i]);
+        runs.push_back(of_game);
     }
     return runs;
 }

@@ -93,9 +93,9 @@ std::string make_places(const lab_arguments &given, std::vector<search_place> *p
 
 template <typename number>
 std::string listed(const std::vector<number> &numbers) {
-    std::vector<std::string> words;
-    for (const number &each : numbers)
-        words.push_back(short_number(static_cast<double>(each)));
+    std::vector<std::string> words(numbers.size());
+    std::transform(numbers.begin(), numbers.end(), words.begin(),
+                   [](number each) { return short_number(static_cast<double>(each)); });
     return joined(words);
 }
 

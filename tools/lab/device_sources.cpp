@@ -126,7 +126,7 @@ std::string first_cell(const std::string &value) {
     const size_t begin = value.rfind('<');
     if (begin == std::string::npos)
         return {};
-    const size_t end = value.find_first_of(" >,", value.find_first_not_of(" ", begin + 1));
+    const size_t end = value.find_first_of(" >,", value.find_first_not_of(' ', begin + 1));
     return trimmed_text(value.substr(begin + 1, end - begin - 1));
 }
 

@@ -33,9 +33,9 @@ bool is_judged(const lab_search &search, size_t game) {
 }
 
 std::vector<double> each_of(const std::vector<set_play> &plays, double set_play::*which) {
-    std::vector<double> values;
-    for (const set_play &play : plays)
-        values.push_back(play.*which);
+    std::vector<double> values(plays.size());
+    std::transform(plays.begin(), plays.end(), values.begin(),
+                   [which](const set_play &play) { return play.*which; });
     return values;
 }
 
@@ -203,7 +203,7 @@ set_verdict race_judge(const lab_search &search, const tried_set &tried) {
         return verdict;
     }
     verdict.seeds = whole_seeds(tried);
-    verdict.worst_lost = -INFINITY;
+    verdict.worst_lost = -HUGE_VAL;
     for (size_t game = 0; game < tried.games.size(); ++game)
         for (size_t place = 0; place < search.places.size(); ++place) {
             const std::vector<set_play> &plays = tried.games[game].plays[place];
@@ -285,15 +285,21 @@ void race_run(const lab_search &search, std::vector<tried_set> *sets, size_t *pl
     }
 }
 
+std::vector<set_verdict> race_judge_all(const lab_search &search,
+                                        const std::vector<tried_set> &sets) {
+    std::vector<set_verdict> verdicts(sets.size());
+    std::transform(sets.begin(), sets.end(), verdicts.begin(),
+                   [&search](const tried_set &tried) { return race_judge(search, tried); });
+    return verdicts;
+}
+
 bool play_all(const tried_set &) {
     return true;
 }
 
 void race_hold_out(const lab_search &search, const std::vector<tried_set> &sets,
                    search_result *result) {
-    std::vector<set_verdict> holding;
-    for (const tried_set &tried : sets)
-        holding.push_back(race_judge(search, tried));
+    std::vector<set_verdict> holding = race_judge_all(search, sets);
     std::erase_if(holding, [](const set_verdict &each) {
         return !each.holds || each.seeds < race_rounds[std::size(race_rounds) - 1];
     });

@@ -20,6 +20,8 @@ bool play_all(const tried_set &tried);
 
 // How a set came out, by the seeds that all of its games were played with.
 set_verdict race_judge(const lab_search &search, const tried_set &tried);
+std::vector<set_verdict> race_judge_all(const lab_search &search,
+                                        const std::vector<tried_set> &sets);
 
 // Races sets: each round plays those that may still win on more seeds. `tell` hears of every set
 // that was played on, with the number of its seeds before.

@@ -127,9 +127,7 @@ int conclude(const lab_search &search, const std::vector<tried_set> &tried, size
     search_result found;
     found.tried = tried.size();
     found.plays = plays;
-    std::vector<set_verdict> verdicts;
-    for (const tried_set &each : tried)
-        verdicts.push_back(race_judge(search, each));
+    const std::vector<set_verdict> verdicts = race_judge_all(search, tried);
     found.first = verdicts[0];
     found.front = find_front(verdicts);
     race_hold_out(search, tried, &found);

@@ -36,13 +36,17 @@ void add_plays(std::vector<tried_set> *sets, const lab_search &search, tried_pla
 // Why plays are of no use here; empty where they are of this very search.
 std::string check_conditions(const std::map<std::string, std::string> &read,
                              const std::map<std::string, std::string> &here) {
-    for (const auto &[name, value] : here) {
+    const auto there = [&read](const std::string &name) {
         const auto found = read.find(name);
-        if (found == read.end() || found->second != value)
-            return name + " is '" + (found != read.end() ? found->second : "") + "' there and '" +
-                   value + "' here";
-    }
-    return {};
+        return found != read.end() ? found->second : "";
+    };
+    const auto other = std::find_if(here.begin(), here.end(), [&there](const auto &condition) {
+        return there(condition.first) != condition.second;
+    });
+    if (other == here.end())
+        return {};
+    return "is of another search: " + other->first + " is '" + there(other->first) +
+           "' there and '" + other->second + "' here";
 }
 
 }  // namespace
@@ -70,7 +74,7 @@ std::string search_file_read(const std::string &path, const lab_search &search, 
             break;
         const std::string other = check_conditions(read.conditions, search.conditions);
         if (!other.empty())
-            return path + " is of another search: " + other;
+            return path + " " + other;
         add_plays(&tried->sets, search, std::move(read));
         if (!ended)
             break;

@@ -47,6 +47,7 @@ std::vector<play_outcome> outcomes_of(const std::vector<play_result> &plays) {
     for (const play_result &play : plays)
         ways[play.capped.learned_fps].push_back(play);
     std::vector<play_outcome> outcomes;
+    outcomes.reserve(ways.size());
     for (const auto &[learned_fps, of_way] : ways)
         outcomes.push_back({learned_fps, of_way.size(), mean_over(of_way, lab_fps_lost),
                             mean_over(of_way, lab_energy_saved)});

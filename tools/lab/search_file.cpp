@@ -74,7 +74,7 @@ std::string search_file_read(const std::string &path, const lab_search &search, 
             break;
         const std::string other = check_conditions(read.conditions, search.conditions);
         if (!other.empty())
-            return path + " " + other;
+            return std::string(path).append(" ").append(other);
         add_plays(&tried->sets, search, std::move(read));
         if (!ended)
             break;

@@ -13,6 +13,7 @@
 #include "tools/base/output_file.h"
 #include "tools/base/shown.h"
 #include "tools/commands/command_line.h"
+#include "tools/commands/fit_commands.h"
 #include "tools/commands/lab_options.h"
 #include "tools/lab/lab_json.h"
 #include "tools/lab/results.h"
@@ -178,11 +179,13 @@ void add_lab_commands(CLI::App *app, command_context *context) {
                     "Write one recording per game to this directory");
     lab->require_subcommand(0, 1);
     const lab_subcommands below = add_subcommands(lab, given.get());
+    const fit_subcommands twin = add_fit_commands(lab, given.get());
     std::string shared;
     for (const CLI::Option *option : command_line_shared(below.search))
         shared += (shared.empty() ? "" : ", ") + option->get_name();
     below.search->footer("The options of dvxctl lab apply too: " + shared + ".");
-    below.vary->footer("The options of dvxctl lab apply too.");
+    for (CLI::App *each : {below.vary, twin.plan, twin.fit})
+        each->footer("The options of dvxctl lab apply too.");
     below.merge->footer(
         "It takes the options of the search from the first file, and refuses files of another.");
     lab->callback([=] {
@@ -193,6 +196,10 @@ void add_lab_commands(CLI::App *app, command_context *context) {
             context->exit_code = run_prepared(all, vary_command);
         else if (below.merge->parsed())
             context->exit_code = run_merge(all);
+        else if (twin.plan->parsed())
+            context->exit_code = twin.run_plan();
+        else if (twin.fit->parsed())
+            context->exit_code = twin.run_fit();
         else if (below.table->parsed())
             context->exit_code = write_table(all);
         else

@@ -159,20 +159,24 @@ void lab_add_model_options(CLI::App *command, lab_arguments *given) {
         ->add_option("--device", given->devices,
                      "The device: " + joined(device_model_names()) + ", or a file")
         ->delimiter(',')
+        ->allow_extra_args(false)
         ->capture_default_str();
     command
         ->add_option("--panel", given->panels,
                      "The panel's real refresh rate, in Hz; the device's where nothing is said")
         ->delimiter(',')
+        ->allow_extra_args(false)
         ->check(CLI::Range(24.0, 240.0));
     command->add_option("--governor", given->picks, "How clocks below the caps are picked")
         ->delimiter(',')
+        ->allow_extra_args(false)
         ->check(CLI::IsMember({"fit", "eager", "max"}))
         ->capture_default_str();
     command
         ->add_option("--buffers", given->buffers,
                      "2: a frame is begun when the last is seen; 3: one is drawn ahead")
         ->delimiter(',')
+        ->allow_extra_args(false)
         ->check(CLI::Range(2, 3));
     command
         ->add_option("--base-mw", given->base_mw,

@@ -110,3 +110,10 @@ size_t point_within(const std::vector<operating_point> &points, double mhz) {
     });
     return std::min(static_cast<size_t>(found - points.begin()), points.size() - 1);
 }
+
+std::optional<size_t> device_point(const device_model &device, int which, double mhz) {
+    const size_t point = point_within(device.points[which], mhz);
+    if (std::fabs(device.points[which][point].mhz - mhz) > mhz_slack)
+        return std::nullopt;
+    return point;
+}

@@ -2,6 +2,7 @@
 // power, its panel, and heat. docs/lab.md says where the figures of those that ship come from.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -61,3 +62,6 @@ std::vector<double> cap_levels_mhz(const tmk_freq_row &row);
 
 // The index of the highest point whose clock is no higher than `mhz`; the lowest where none is.
 size_t point_within(const std::vector<operating_point> &points, double mhz);
+
+// The point of a resource that has this clock, or none.
+std::optional<size_t> device_point(const device_model &device, int which, double mhz);

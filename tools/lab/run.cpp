@@ -11,6 +11,7 @@
 #include "device/virtual_device.h"
 #include "fia/records.h"
 #include "tools/base/output_file.h"
+#include "tools/lab/run_recording.h"
 #include "tools/recording/cap_call.h"
 #include "tools/recording/messages.h"
 #include "tools/recording/recording.h"
@@ -20,7 +21,6 @@
 namespace {
 
 constexpr int64_t second_ns = 1000000000;
-constexpr int64_t boot_ns = 1000 * second_ns;
 constexpr double timers_us = 3e6;  // all that a game's coming arms are over by then
 constexpr double late_factor = 1.5;
 constexpr size_t slowest_part = 100;
@@ -124,27 +124,6 @@ happening make_happening(happening_kind kind, int64_t clock_ns) {
     return made;
 }
 
-recording_header make_header(const simulated_figures &figures) {
-    recording_header header;
-    header.daemon = DVX_VERSION;
-    header.taken = true;
-    header.time_ns = boot_ns;
-    header.device = "lab";
-    for (const auto &[name, value] : settings_of(figures))
-        header.settings[name] = std::to_string(value);
-    return header;
-}
-
-std::vector<happening> coming_of(const std::string &game) {
-    std::vector<happening> coming;
-    for (const dvx_message &message :
-         {make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_ACTIVITY, game + "/.Game"),
-          make_text_message(DVX_CLIENT_POWERHAL, DVX_CODE_WINDOW, game),
-          make_message(DVX_CLIENT_POWERHAL, DVX_CODE_GAME, {0, 1, 60, 0})})
-        coming.push_back(make_message_happening(message, boot_ns));
-    return coming;
-}
-
 // Start-up, and the game in front with the timers that follow from that.
 void begin(loop *daemon, const lab_setup &setup, const std::string &game) {
     simulator_setup device = simulator_fresh_device(device_image_path());
@@ -152,22 +131,22 @@ void begin(loop *daemon, const lab_setup &setup, const std::string &game) {
     // Debug lines tell why; without somebody who reads them they only take time.
     device.properties["debug.dvxd_log.enable"] = is_recorded(*daemon) ? "1" : "0";
     if (is_recorded(*daemon)) {
-        recording_header header = make_header(setup.figures);
+        recording_header header = run_recording_header(setup.figures);
         header.properties = device.properties;
         header.answers = device.answers;
         output_write(&daemon->recording, recording_header_line(header) + "\n");
     }
-    simulator_replay_from(device, boot_ns);
+    simulator_replay_from(device, lab_boot_ns);
     for (const happening_kind kind :
          {happening_kind::load, happening_kind::start, happening_kind::analyser})
-        take_up_recorded(daemon, make_happening(kind, boot_ns), 0);
-    for (const happening &each : coming_of(game))
+        take_up_recorded(daemon, make_happening(kind, lab_boot_ns), 0);
+    for (const happening &each : run_coming(game))
         take_up_recorded(daemon, each, 0);
 }
 
 // The game leaves; whether a cap is left behind.
 bool end(loop *daemon, double time_us) {
-    const int64_t clock_ns = boot_ns + static_cast<int64_t>(time_us * 1000);
+    const int64_t clock_ns = lab_boot_ns + static_cast<int64_t>(time_us * 1000);
     const dvx_message leaves = make_message(DVX_CLIENT_POWERHAL, DVX_CODE_GAME, {0, 0, 60, 0});
     take_up_recorded(daemon, make_message_happening(leaves, clock_ns), time_us);
     take_up_recorded(daemon, make_happening(happening_kind::timers, clock_ns + 5 * second_ns),
@@ -242,42 +221,14 @@ double play_frames(const lab_setup &setup, const game_work &game, uint64_t seed,
     return time_us;
 }
 
-run_result play_free(const lab_setup &setup, const game_work &game, uint64_t seed,
-                     const std::function<void(double interval_us, double time_us)> &take) {
+run_result play_free(const lab_setup &setup, const game_work &game, uint64_t seed) {
     constexpr size_t no_caps[resource_count] = {};
     run_result result;
     play_frames(
         setup, game, seed, no_caps,
-        [&](double time_us, size_t) { return time_us < setup.minutes * 60e6; }, take, 0, &result);
+        [&](double time_us, size_t) { return time_us < setup.minutes * 60e6; },
+        [](double, double) {}, 0, &result);
     return result;
-}
-
-// The file of one of a game's two runs.
-output_file open_recording(const lab_setup &setup, const game_work &game, const char *run) {
-    return output_open(setup.record + "/" + game.name + run + ".rec");
-}
-
-happening make_interval(double interval_us, double time_us) {
-    happening interval =
-        make_happening(happening_kind::interval, boot_ns + static_cast<int64_t>(time_us * 1000));
-    interval.interval_us = static_cast<int32_t>(std::lround(interval_us));
-    return interval;
-}
-
-// The run without caps again, as a recording: the game comes and its frames, and nobody answers.
-std::string record_free(const lab_setup &setup, const game_work &game, uint64_t seed) {
-    output_file file = open_recording(setup, game, ".free");
-    if (!file.error.empty())
-        return file.error;
-    recording_header header = make_header(setup.figures);
-    header.device = "lab, without caps";
-    output_write(&file, recording_header_line(header) + "\n");
-    for (const happening &each : coming_of(game.name))
-        output_write(&file, recording_line_of(each) + "\n");
-    play_free(setup, game, seed, [&](double interval_us, double time_us) {
-        output_write(&file, recording_line_of(make_interval(interval_us, time_us)) + "\n");
-    });
-    return output_finish(&file);
 }
 
 // The frames of a run without caps, with the daemon's. Empty, or why its recording could not be
@@ -289,13 +240,13 @@ std::string play_capped(const lab_setup &setup, const game_work &game, uint64_t 
     for (const tmk_freq_row &row : setup.figures.rows)
         daemon.levels[resource_of(std::string("TMK_") + row.name)] = cap_levels_mhz(row);
     if (recorded)
-        daemon.recording = open_recording(setup, game, "");
+        daemon.recording = run_recording_open(setup, game, "");
     if (!daemon.recording.error.empty())
         return daemon.recording.error;
     begin(&daemon, setup, game.name);
     size_t frames = 0;
     const auto take = [&](double interval_us, double time_us) {
-        const happening interval = make_interval(interval_us, time_us);
+        const happening interval = run_interval(interval_us, time_us);
         take_up_recorded(&daemon, interval, time_us);
         if (time_us > timers_us && !std::exchange(daemon.timers_ran, true))
             take_up_recorded(&daemon, make_happening(happening_kind::timers, interval.time_ns),
@@ -339,8 +290,7 @@ std::vector<std::vector<run_result>> lab_run_free(const lab_setup &setup) {
         works.push_back([&] {
             std::string answer;
             for (int i = 0; i < setup.seeds; ++i)
-                answer += child_pack(play_free(setup, game, setup.seed + static_cast<uint64_t>(i),
-                                               [](double, double) {}));
+                answer += child_pack(play_free(setup, game, setup.seed + static_cast<uint64_t>(i)));
             return answer;
         });
     std::vector<std::vector<run_result>> runs;
@@ -364,7 +314,8 @@ std::vector<game_result> lab_run(const lab_setup &setup,
                 const uint64_t seed = setup.seed + i;
                 const bool recorded = !setup.record.empty() && i == 0;
                 run_result capped;
-                std::string unwritten = recorded ? record_free(setup, game, seed) : "";
+                std::string unwritten =
+                    recorded ? run_record_alone(setup, game, seed, {}, ".free") : "";
                 if (unwritten.empty())
                     unwritten = play_capped(setup, game, seed, free[g][i], recorded, &capped);
                 return child_pack(capped) + unwritten;

@@ -142,11 +142,13 @@ moment_list fit_simulated(const fit_problem &problem, const figure_roots &at) {
     return mean;
 }
 
-std::vector<moment_list> fit_trials(const fit_problem &problem, const figure_roots &at) {
+std::vector<moment_list> fit_trials(const fit_problem &problem, const figure_roots &at,
+                                    uint64_t batch) {
     const game_work game = fit_game_of(problem, at);
     std::vector<moment_list> trials;
+    const uint64_t first = first_seed + problem.plays + batch * single_plays;
     for (uint64_t play = 0; play < single_plays; ++play)
-        trials.push_back(simulated(problem, game, first_seed + problem.plays + play));
+        trials.push_back(simulated(problem, game, first + play));
     return trials;
 }
 

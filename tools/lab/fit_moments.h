@@ -46,8 +46,10 @@ game_work fit_game_of(const fit_problem &problem, const figure_roots &at);
 // The moments of a game with these figures: the mean of some plays.
 moment_list fit_simulated(const fit_problem &problem, const figure_roots &at);
 
-// Those of single plays with other seeds, which tell how far one play lies from the next.
-std::vector<moment_list> fit_trials(const fit_problem &problem, const figure_roots &at);
+// Those of single plays with other seeds, which tell how far one play lies from the next; each
+// batch has seeds of its own.
+std::vector<moment_list> fit_trials(const fit_problem &problem, const figure_roots &at,
+                                    uint64_t batch);
 
 // Takes how moments lie together from such plays.
 void fit_take_trials(fit_problem *problem, const std::vector<moment_list> &trials);

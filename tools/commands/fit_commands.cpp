@@ -57,6 +57,14 @@ int run_plan(const fit_arguments &given) {
     return 0;
 }
 
+// All that is read, and must not be written over.
+std::vector<std::string> read_files(const fit_arguments &given) {
+    std::vector<std::string> all = given.files;
+    all.insert(all.end(), given.powers.begin(), given.powers.end());
+    all.push_back(given.plan_file);
+    return all;
+}
+
 int run_fit(const fit_arguments &given) {
     search_place place;
     const std::string wrong = prepare(given, &place);
@@ -78,11 +86,19 @@ int run_fit(const fit_arguments &given) {
     if (!held.error.empty())
         return refuse(held.error);
     held_frames_finish(&held, place.on.panel_hz);
+    output_file out;
+    if (!given.lab->out.empty())
+        out = output_open(given.lab->out, read_files(given));
+    if (!out.error.empty())
+        return refuse(out.error);
     const fitted_game fitted = fit_game(held, place.on, given.lab->search.setup.varies);
-    if (!fitted.error.empty())
+    if (!fitted.error.empty()) {
+        output_abandon(&out);
         return refuse(held.game + ": " + fitted.error);
+    }
     if (!given.lab->out.empty()) {
-        const std::string unwritten = output_whole(given.lab->out, fit_table(fitted), given.files);
+        output_write(&out, fit_table(fitted));
+        const std::string unwritten = output_finish(&out);
         if (!unwritten.empty())
             return fail("cannot write " + unwritten);
     }

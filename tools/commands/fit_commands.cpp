@@ -9,6 +9,7 @@
 #include "tools/base/output_file.h"
 #include "tools/base/shown.h"
 #include "tools/lab/fit_text.h"
+#include "tools/lab/lab_json.h"
 #include "tools/lab/run_recording.h"
 
 namespace {
@@ -24,7 +25,7 @@ struct fit_arguments {
 
 // One place alone: a game is fitted on the phone that it was recorded on.
 std::string prepare(const fit_arguments &given, search_place *place) {
-    const std::string wrong = lab_prepare(given.lab);
+    std::string wrong = lab_prepare(given.lab);
     if (!wrong.empty())
         return wrong;
     if (given.lab->search.places.size() > 1)

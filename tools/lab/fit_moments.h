@@ -41,6 +41,7 @@ struct fit_problem {
 // Takes the moments of what was recorded. Empty, or why they tell nothing.
 std::string fit_observe(fit_problem *problem);
 
+// The game that has these figures.
 game_work fit_game_of(const fit_problem &problem, const figure_roots &at);
 
 // The moments of a game with these figures: the mean of some plays.

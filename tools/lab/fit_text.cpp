@@ -5,16 +5,11 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tools/base/json.h"
 #include "tools/base/shown.h"
 #include "tools/base/words.h"
 
-using nlohmann::ordered_json;
-
 namespace {
 
-constexpr const char *figure_names[fitted_count] = {"cpu_fixed_ms", "cpu_megacycles",
-                                                    "gpu_fixed_ms", "gpu_megacycles"};
 constexpr double shape_told = 6;     // of chi-squared: some 20 to 1
 constexpr double told_within = 0.5;  // a figure is told whose interval is no wider than that of it
 
@@ -36,18 +31,17 @@ void print_figure(const std::string &name, const fitted_figure &figure) {
            is_told(figure) ? "" : "  not told");
 }
 
-ordered_json figure_json(const fitted_figure &figure) {
-    return {{"value", figure.value}, {"low", figure.low}, {"high", figure.high}};
-}
-
 }  // namespace
+
+const char *const fitted_names[fitted_count] = {"cpu_fixed_ms", "cpu_megacycles", "gpu_fixed_ms",
+                                                "gpu_megacycles"};
 
 void print_fit(const fitted_game &fitted, const held_frames &held, const device_model &device) {
     printf("%s: %zu frames under %zu pairs of caps\n", shown(held.game).c_str(), held.frames.size(),
            fitted.rates.size());
     printf("%-36s %7s %7s %7s\n", "", "value", "from", "to");
     for (size_t i = 0; i < fitted_count; ++i)
-        print_figure(figure_names[i], fitted.figures[i]);
+        print_figure(fitted_names[i], fitted.figures[i]);
     constexpr const char *clocks[2] = {", full clock, ms", ", lowest held, ms"};
     for (size_t i = 0; i < 2; ++i) {
         print_figure(std::string("CPU of a frame") + clocks[i], fitted.cpu_ms[i]);
@@ -81,7 +75,7 @@ std::string fit_table(const fitted_game &fitted) {
     for (size_t i = 0; i < fitted_count; ++i) {
         char value[32];
         snprintf(value, sizeof(value), ",%.4f", fitted.figures[i].value);
-        header.append(",").append(figure_names[i]);
+        header.append(",").append(fitted_names[i]);
         row.append(value);
     }
     header.append(",limit_fps,told");
@@ -90,27 +84,4 @@ std::string fit_table(const fitted_game &fitted) {
                                          : is_told(fitted.cpu_ms[1]) || is_told(fitted.gpu_ms[1]);
     row.append(told ? ",yes" : ",no");
     return header + "\n" + row + "\n";
-}
-
-std::string fit_line(const fitted_game &fitted, const device_model &device) {
-    ordered_json json = {{"game", fitted.game.name}, {"shape", shape_of(fitted.game)}};
-    for (size_t i = 0; i < fitted_count; ++i)
-        json[figure_names[i]] = figure_json(fitted.figures[i]);
-    constexpr const char *clocks[2] = {"full_ms", "lowest_ms"};
-    for (size_t i = 0; i < 2; ++i) {
-        json[std::string("cpu_") + clocks[i]] = figure_json(fitted.cpu_ms[i]);
-        json[std::string("gpu_") + clocks[i]] = figure_json(fitted.gpu_ms[i]);
-        json[std::string("both_") + clocks[i]] = figure_json(fitted.both_ms[i]);
-    }
-    json["limit_fps"] = fitted.game.limit_fps;
-    json["other_shape_worse_by"] = fitted.other_shape;
-    json["panel_hz"] = fitted.panel_hz;
-    json["held"] = ordered_json::array();
-    for (const fitted_rate &rate : fitted.rates)
-        json["held"].push_back({{"CLUSTER1", device.points[resource_big][rate.caps.big].mhz},
-                                {"GPU", device.points[resource_gpu][rate.caps.gpu].mhz},
-                                {"frames", rate.frames},
-                                {"fps", rate.fps},
-                                {"fitted_fps", rate.fitted_fps}});
-    return json_write(json);
 }

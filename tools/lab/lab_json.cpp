@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "tools/base/json.h"
+#include "tools/lab/fit_text.h"
 
 using nlohmann::ordered_json;
 
@@ -67,6 +68,10 @@ ordered_json held_out_json(const held_out &verdict) {
     put_estimate(&json, "saved_default", verdict.saved_default);
     put_estimate(&json, "gained", verdict.gained);
     return json;
+}
+
+ordered_json fitted_json(const fitted_figure &figure) {
+    return {{"value", figure.value}, {"low", figure.low}, {"high", figure.high}};
 }
 
 }  // namespace
@@ -201,4 +206,28 @@ std::string set_change_line(const set_change &change) {
     put_estimate(&line, "fps_lost_change", change.lost_change);
     line["cap_changes_per_minute"] = change.changes;
     return json_write(line);
+}
+
+std::string fit_line(const fitted_game &fitted, const device_model &device) {
+    ordered_json json = {{"game", fitted.game.name},
+                         {"shape", fitted.game.serial ? "serial" : "parallel"}};
+    for (size_t i = 0; i < fitted_count; ++i)
+        json[fitted_names[i]] = fitted_json(fitted.figures[i]);
+    constexpr const char *clocks[2] = {"full_ms", "lowest_ms"};
+    for (size_t i = 0; i < 2; ++i) {
+        json[std::string("cpu_") + clocks[i]] = fitted_json(fitted.cpu_ms[i]);
+        json[std::string("gpu_") + clocks[i]] = fitted_json(fitted.gpu_ms[i]);
+        json[std::string("both_") + clocks[i]] = fitted_json(fitted.both_ms[i]);
+    }
+    json["limit_fps"] = fitted.game.limit_fps;
+    json["other_shape_worse_by"] = fitted.other_shape;
+    json["panel_hz"] = fitted.panel_hz;
+    json["held"] = ordered_json::array();
+    for (const fitted_rate &rate : fitted.rates)
+        json["held"].push_back({{"CLUSTER1", device.points[resource_big][rate.caps.big].mhz},
+                                {"GPU", device.points[resource_gpu][rate.caps.gpu].mhz},
+                                {"frames", rate.frames},
+                                {"fps", rate.fps},
+                                {"fitted_fps", rate.fitted_fps}});
+    return json_write(json);
 }

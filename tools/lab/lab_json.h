@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/lab/fit.h"
 #include "tools/lab/race.h"
 #include "tools/lab/summary.h"
 
@@ -39,3 +40,6 @@ std::string search_line(const search_result &found);
 
 // What one figure changes.
 std::string set_change_line(const set_change &change);
+
+// A game that was fitted, on one line; docs/lab.md has its fields.
+std::string fit_line(const fitted_game &fitted, const device_model &device);

@@ -86,7 +86,7 @@ std::string run_record_alone(const lab_setup &setup, const game_work &game, uint
         output_write(&file, recording_line_of(run_interval(interval_us, time_us)) + "\n");
         sample_power(&samples, time_us, state.energy_mj);
     }
-    const std::string unwritten = output_finish(&file);
+    std::string unwritten = output_finish(&file);
     if (!unwritten.empty() || plan.caps.empty())
         return unwritten;
     return output_whole(setup.record + "/" + game.name + ".power.csv", samples.table);
